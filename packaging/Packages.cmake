@@ -1,0 +1,62 @@
+# The two Debian packages: `mvsignpad` (the component "program") and `mvsignpad-virtual` (the component "virtual": the
+# virtual pad and the documents, for machines without the hardware). scripts/package.sh builds them.
+
+# Installs the notes that belong to a package: what changed, who holds the rights.
+function(mvsignpad_package_notes package component)
+    install(FILES "${CMAKE_CURRENT_BINARY_DIR}/changelog.gz" copyright
+            DESTINATION usr/share/doc/${package} COMPONENT ${component})
+endfunction()
+
+find_program(GZIP gzip REQUIRED)
+add_custom_command(OUTPUT changelog.gz
+                   COMMAND ${GZIP} -9nc "${CMAKE_CURRENT_SOURCE_DIR}/changelog" > changelog.gz
+                   DEPENDS changelog)
+add_custom_target(changelog ALL DEPENDS changelog.gz)
+
+mvsignpad_package_notes(mvsignpad program)
+mvsignpad_package_notes(mvsignpad-virtual virtual)
+
+install(FILES lintian/mvsignpad DESTINATION usr/share/lintian/overrides COMPONENT program)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGING_INSTALL_PREFIX "/")
+set(CPACK_PACKAGE_CONTACT "MVSign Pad maintainers <maintainers@mvsignpad.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has a synopsis of its own
+set(CPACK_COMPONENTS_ALL program virtual)
+set(CPACK_STRIP_FILES ON)
+# Whatever the umask of the person who packs: a package's directories are readable by all.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${CPACK_PACKAGE_CONTACT}")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+endif()
+
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME mvsignpad)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS procps) # pgrep, which finds a copy that is already running
+set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "capture of handwritten signatures from a USB signature pad
+A tray program of the logged-in user's desktop that lets a web page or the WPS
+office suite capture a handwritten signature from a USB signature pad.
+
+The signature pad's own library, libmvsignpadsdk.so, comes from the maker of
+the pad and is copied into /opt/mvsignpad beside the program.
+
+The package also brings mvsignctl, the command-line client of the service.")
+
+set(CPACK_DEBIAN_VIRTUAL_PACKAGE_NAME mvsignpad-virtual)
+set(CPACK_DEBIAN_VIRTUAL_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_VIRTUAL_PACKAGE_SUGGESTS mvsignpad)
+set(CPACK_DEBIAN_VIRTUAL_DESCRIPTION "software signature pad and documents for mvsignpad
+A stand-in for the library of the signature pad's maker, for developing and
+testing on machines without the hardware, together with the documents for
+administrators, packagers and developers of web pages.
+
+The stand-in lies in /usr/lib/mvsignpad/virtual and is never put in the place
+of the maker's library by itself.")
+
+include(CPack)
