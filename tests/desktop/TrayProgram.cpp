@@ -1,0 +1,63 @@
+#include "tests/desktop/TrayProgram.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+#include <QTest>
+
+namespace {
+
+bool takesConnections(quint16 port)
+{
+    QTcpSocket probe;
+    probe.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    return probe.waitForConnected(500);
+}
+
+} // namespace
+
+TrayProgram::TrayProgram(const DesktopSession &desktop, const QString &file) : m_file(file)
+{
+    m_process.setProcessEnvironment(desktop.environment());
+    m_process.setWorkingDirectory(desktop.home());
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+}
+
+TrayProgram::~TrayProgram()
+{
+    if (isRunning()) {
+        m_process.kill();
+        m_process.waitForFinished(5000);
+    }
+}
+
+bool TrayProgram::start()
+{
+    m_process.start(m_file, QStringList());
+    return m_process.waitForStarted(5000);
+}
+
+bool TrayProgram::waitForEnd(int timeoutMs)
+{
+    return QTest::qWaitFor([this] { return !isRunning(); }, timeoutMs);
+}
+
+int TrayProgram::exitStatus() const
+{
+    return !isRunning() && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+QByteArray TrayProgram::output()
+{
+    m_output += m_process.readAll();
+    return m_output;
+}
+
+bool TrayProgram::waitForListening(quint16 port)
+{
+    return QTest::qWaitFor([port] { return takesConnections(port); }, 10000);
+}
+
+bool TrayProgram::waitForSilence(quint16 port)
+{
+    return QTest::qWaitFor([port] { return !takesConnections(port); }, 10000);
+}

@@ -1,0 +1,42 @@
+#include "tests/unit/support/RunningService.h"
+
+#include "tests/unit/support/FreePort.h"
+
+#include <QTcpSocket>
+#include <QTest>
+
+RunningService::RunningService() : RunningService(freePort()) {}
+
+RunningService::RunningService(quint16 port) : m_port(port)
+{
+    start();
+}
+
+RunningService::~RunningService()
+{
+    stop();
+}
+
+bool RunningService::waitUntilListening(const QHostAddress &address) const
+{
+    return QTest::qWaitFor([this, address] {
+        QTcpSocket probe;
+        probe.connectToHost(address, m_port);
+        return probe.waitForConnected(100);
+    });
+}
+
+void RunningService::start()
+{
+    m_thread.reset(new WebSocketThread(nullptr, m_port));
+    m_thread->start();
+}
+
+void RunningService::stop()
+{
+    if (!m_thread)
+        return;
+    m_thread->quit();
+    m_thread->wait();
+    m_thread.reset();
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "service/WebSocketThread.h"
+
+#include <QHostAddress>
+#include <memory>
+
+/// The service in its own thread on a free port, started and stopped as the tray menu does it.
+class RunningService {
+public:
+    RunningService();
+    explicit RunningService(quint16 port);
+    ~RunningService();
+
+    quint16 port() const { return m_port; }
+    /// Waits until the port takes connections.
+    bool waitUntilListening(const QHostAddress &address = QHostAddress::LocalHost) const;
+    void start();
+    /// quit(), unbounded wait(), delete.
+    void stop();
+    bool isRunning() const { return m_thread && m_thread->isRunning(); }
+
+private:
+    quint16 m_port;
+    std::unique_ptr<WebSocketThread> m_thread;
+};
