@@ -1,0 +1,300 @@
+// One request at a time, time-outs, pushes, lost connections: what must hold whatever the service does.
+import assert from 'node:assert/strict';
+import { EventEmitter, once } from 'node:events';
+import net from 'node:net';
+import { test } from 'node:test';
+import { setTimeout as sleep } from 'node:timers/promises';
+import WebSocket from 'ws';
+import { KeyStatus, Model, SignPad } from '../signpad.js';
+import { reply, startMockService } from './mock-service.js';
+
+/** Starts a mock service and a client; both end with the test. */
+async function start(t, answer, options) {
+  const service = await startMockService(answer);
+  t.after(() => service.stop());
+  const pad = await SignPad.connect({ port: service.port, WebSocket, ...options });
+  t.after(() => pad.close());
+  return { service, pad };
+}
+
+const apisOf = ({ requests }) => requests.map((text) => text.split('/').at(-1));
+
+function eventsOf(pad, type) {
+  const heard = [];
+  pad.addEventListener(type, ({ detail }) => heard.push(detail));
+  return heard;
+}
+
+test('calls go out one after the other, each after the reply to the one before', async (t) => {
+  const held = [];
+  const { service, pad } = await start(t, (request, socket) => { held.push([request, socket]); });
+  const results = Promise.all([pad.getSize(), pad.versionID(), pad.getSize()]);
+  const answerNext = (result) => {
+    const [request, socket] = held.shift();
+    socket.send(reply(request, result));
+  };
+  await sleep(50);
+  assert.deepEqual(apisOf(service), ['GetSize']);
+  answerNext('1');
+  await sleep(50);
+  assert.deepEqual(apisOf(service), ['GetSize', 'VersionID']);
+  answerNext('2.0');
+  await sleep(50);
+  assert.deepEqual(apisOf(service), ['GetSize', 'VersionID', 'GetSize']);
+  answerNext('3');
+  assert.deepEqual(await results, [1, '2.0', 3]);
+});
+
+test('the refusal of a request is told apart', async (t) => {
+  const { pad } = await start(t, (request) =>
+    request === 'GetSize' ? reply(request, '4') : reply('Invalid API request', '-1'));
+  await assert.rejects(pad.setPenWidth(3), { code: 'invalid-request' });
+  await assert.rejects(pad.getInks(), { code: 'invalid-request' });
+  assert.equal(await pad.getSize(), 4);
+});
+
+test('a late reply is not taken for the answer to the next call', async (t) => {
+  const results = ['1', '2'];
+  const { pad } = await start(t, async (request) => {
+    if (results.length === 2) await sleep(150);
+    return reply(request, results.shift());
+  });
+  await assert.rejects(pad.getSize({ timeout: 50 }), { code: 'timeout' });
+  assert.equal(await pad.getSize(), 2);
+});
+
+test('a call that times out in the line is never sent', async (t) => {
+  const { service, pad } = await start(t, () => undefined, { timeout: 60 });
+  await Promise.all([
+    assert.rejects(pad.getSize(), { code: 'timeout' }),
+    assert.rejects(pad.clear(), { code: 'timeout' }),
+  ]);
+  assert.deepEqual(apisOf(service), ['GetSize']);
+});
+
+test('an aborted call rejects with the reason of the signal', async (t) => {
+  const { service, pad } = await start(t, () => undefined);
+  const reason = new Error('changed my mind');
+  await assert.rejects(pad.getSize({ signal: AbortSignal.abort(reason) }), reason);
+  const controller = new AbortController();
+  const call = assert.rejects(pad.getSize({ signal: controller.signal }), reason);
+  await sleep(30);
+  controller.abort(reason);
+  await call;
+  assert.deepEqual(apisOf(service), ['GetSize']);
+});
+
+test('pushes arrive as events', async (t) => {
+  const { service, pad } = await start(t);
+  const keys = eventsOf(pad, 'key');
+  const images = eventsOf(pad, 'image');
+  service.sendToAll(reply('GetDeviceConfirmOrCancelKeyStatus', '1'));
+  service.sendToAll(reply('GetDeviceConfirmOrCancelKeyStatus', '5'));
+  service.sendToAll(reply('GetInks', '[{"EventType":"0","Image":"QUJD","ImageLength":"4"}]'));
+  service.sendToAll(reply('GetInks', 'nonsense'));
+  service.sendToAll('nonsense');
+  await sleep(50);
+  assert.deepEqual(keys, [1, 5]);
+  assert.deepEqual(images.map(({ base64 }) => base64), ['QUJD']);
+});
+
+test('a push between another request and its reply is an event', async (t) => {
+  const { pad } = await start(t, (request, socket) => {
+    socket.send(reply('GetDeviceConfirmOrCancelKeyStatus', '0'));
+    return reply(request, '12');
+  });
+  const keys = eventsOf(pad, 'key');
+  assert.equal(await pad.getSize(), 12);
+  assert.deepEqual(keys, [0]);
+});
+
+for (const [order, first, second] of [['before', '1', '-1'], ['after', '-1', '1']]) {
+  test(`a key push just ${order} the reply of the same name is no reply`, async (t) => {
+    const { pad } = await start(t, (request, socket) => {
+      socket.send(reply(request, first));
+      return reply(request, second);
+    });
+    const keys = eventsOf(pad, 'key');
+    assert.equal(await pad.getDeviceConfirmOrCancelKeyStatus(), -1);
+    await sleep(20);
+    assert.deepEqual(keys, [1]);
+  });
+}
+
+test('an image push just before an unchanged GetInks is no reply', async (t) => {
+  const { pad } = await start(t, (request, socket) => {
+    socket.send(reply(request, '[{"EventType":"0","Image":"QUJD","ImageLength":"4"}]'));
+    return reply(request, '');
+  });
+  const images = eventsOf(pad, 'image');
+  assert.equal(await pad.getInks(), null);
+  await sleep(20);
+  assert.deepEqual(images.map(({ base64 }) => base64), ['QUJD']);
+});
+
+test('a push that cannot be told from the reply never shifts later replies', async (t) => {
+  let asked = 0;
+  const { pad } = await start(t, (request, socket) => {
+    if (++asked === 1) socket.send(reply(request, '1'));
+    return reply(request, asked === 1 ? '0' : String(-asked));
+  });
+  const keys = eventsOf(pad, 'key');
+  const answers = await Promise.all([1, 2, 3].map(() => pad.getDeviceConfirmOrCancelKeyStatus()));
+  assert.deepEqual(answers, [1, -2, -3]);
+  assert.deepEqual(keys, [0]);
+});
+
+test('a late reply that looks like a push is neither an answer nor an event', async (t) => {
+  const results = ['1', '-1'];
+  const { pad } = await start(t, async (request) => {
+    if (results.length === 2) await sleep(150);
+    return reply(request, results.shift());
+  });
+  const keys = eventsOf(pad, 'key');
+  await assert.rejects(pad.getDeviceConfirmOrCancelKeyStatus({ timeout: 50 }), { code: 'timeout' });
+  assert.equal(await pad.getDeviceConfirmOrCancelKeyStatus(), -1);
+  assert.deepEqual(keys, []);
+});
+
+test('what is not of the protocol fails the call, not the client', async (t) => {
+  const answers = ['<html>', '[]', '{"API":"GetSize"}', reply('Clear', '0'), reply('GetSize', '9')];
+  const { pad } = await start(t, () => answers.shift());
+  for (let i = 0; i < 4; ++i) await assert.rejects(pad.getSize(), { code: 'protocol' });
+  assert.equal(await pad.getSize(), 9);
+  await assert.rejects(pad.getInks(), { code: 'protocol' });
+});
+
+test('a closed port is told apart', async () => {
+  const service = await startMockService();
+  await service.stop();
+  await assert.rejects(SignPad.connect({ port: service.port, WebSocket }), { code: 'service-not-running' });
+});
+
+test('a port that accepts and stays silent times out', async (t) => {
+  const server = net.createServer(() => undefined).listen(0, 'localhost');
+  await once(server, 'listening');
+  t.after(() => server.close());
+  await assert.rejects(SignPad.connect({ port: server.address().port, WebSocket, timeout: 80 }), { code: 'timeout' });
+});
+
+test('options that make no sense are refused', async () => {
+  await assert.rejects(SignPad.connect({ port: 0, WebSocket }), { code: 'invalid-argument' });
+  await assert.rejects(SignPad.connect({ port: 65536, WebSocket }), { code: 'invalid-argument' });
+  await assert.rejects(SignPad.connect({ WebSocket: null }), { code: 'invalid-argument' });
+});
+
+test('a lost connection fails the calls that wait and is made anew', async (t) => {
+  const { service, pad } = await start(t, (request) => request === 'GetSize' ? undefined : reply(request, '1.0'),
+    { reconnectDelay: 20 });
+  const back = once(asEmitter(pad, 'reconnect'), 'reconnect');
+  const lost = eventsOf(pad, 'disconnect');
+  const calls = [pad.getSize(), pad.versionID()].map((call) => assert.rejects(call, { code: 'connection-lost' }));
+  await sleep(30);
+  service.dropClients();
+  await Promise.all(calls);
+  assert.equal(lost[0].willReconnect, true);
+  await assert.rejects(pad.versionID(), { code: 'connection-lost' });
+  await back;
+  assert.equal(pad.connected, true);
+  assert.equal(await pad.versionID(), '1.0');
+});
+
+test('the pauses between attempts double up to the longest', async (t) => {
+  const { service, pad } = await start(t, undefined, { reconnectDelay: 10, maxReconnectDelay: 40 });
+  const attempts = eventsOf(pad, 'reconnecting');
+  const back = once(asEmitter(pad, 'reconnect'), 'reconnect');
+  await service.stop();
+  while (attempts.length < 5) await sleep(10);
+  assert.deepEqual(attempts.slice(0, 5).map(({ delay }) => delay), [10, 20, 40, 40, 40]);
+  const again = await startMockService(undefined, { port: service.port });
+  t.after(() => again.stop());
+  await back;
+});
+
+test('a closed client stays closed', async (t) => {
+  const { service, pad } = await start(t, undefined, { reconnectDelay: 10 });
+  const attempts = eventsOf(pad, 'reconnecting');
+  const call = assert.rejects(pad.getSize(), { code: 'connection-lost' });
+  pad.close();
+  await call;
+  await assert.rejects(pad.getSize(), { code: 'connection-lost' });
+  service.dropClients();
+  await sleep(50);
+  assert.deepEqual(attempts, []);
+});
+
+test('without reconnect a lost connection stays lost', async (t) => {
+  const { service, pad } = await start(t, undefined, { reconnect: false, reconnectDelay: 10 });
+  const attempts = eventsOf(pad, 'reconnecting');
+  const lost = once(asEmitter(pad, 'disconnect'), 'disconnect');
+  service.dropClients();
+  assert.equal((await lost)[0].willReconnect, false);
+  await sleep(50);
+  assert.deepEqual(attempts, []);
+});
+
+test('open raises what initialDevice answers', async (t) => {
+  const { service, pad } = await start(t, (request) => reply('InitialDevice', request.includes('id=7') ? '1' : '0'));
+  await pad.open({ model: Model.Cedar, width: 800, height: 480 });
+  await assert.rejects(pad.open({ model: Model.Alder, width: 800, height: 480 }), { code: 'pad-missing' });
+  assert.deepEqual(apisOf(service),
+    ['InitialDevice?id=7&width=800&height=480', 'InitialDevice?id=2&width=800&height=480']);
+});
+
+/** A pad that writes one more point each time it is asked for the number of points, until `keyAfter` of them. */
+function signingPad(keyAfter) {
+  let size = 0;
+  const point = '{"Time":"t","bStrokeEnd":"0","pressure":"9","x":"1","y":"2"}';
+  return {
+    present: true,
+    answer(request) {
+      if (request === 'IsValid') return reply(request, this.present ? '1' : '0');
+      if (request === 'GetSize') return reply(request, String(size = Math.min(size + 1, keyAfter)));
+      if (request === 'GetPointer') return reply(request, `[${Array(size).fill(point)}]`);
+      return reply(request, size >= keyAfter ? '1' : '-1');
+    },
+  };
+}
+
+test('watch yields each change of ink and key', async (t) => {
+  const device = signingPad(3);
+  const { pad } = await start(t, (request) => device.answer(request));
+  const seen = [];
+  for await (const { points, key } of pad.watch({ interval: 5 })) {
+    seen.push([points.length, key]);
+    if (key === KeyStatus.confirm) break;
+  }
+  assert.deepEqual(seen, [[1, -1], [2, -1], [3, -1], [3, 1]]);
+});
+
+test('watch ends quietly on abort and raises the loss of the pad', async (t) => {
+  const device = signingPad(Infinity);
+  const { pad } = await start(t, (request) => device.answer(request));
+  const controller = new AbortController();
+  let rounds = 0;
+  for await (const progress of pad.watch({ interval: 1, signal: controller.signal })) {
+    assert.equal(progress.points.length, ++rounds);
+    if (rounds === 3) controller.abort();
+  }
+  assert.equal(rounds, 3);
+  await assert.rejects(async () => {
+    for await (const progress of pad.watch({ interval: 1 })) device.present = progress.points.length < 0;
+  }, { code: 'pad-missing' });
+});
+
+test('every text on the wire can be logged', async (t) => {
+  const { service, pad } = await start(t, (request) => reply(request, '8'));
+  const messages = eventsOf(pad, 'message');
+  await pad.getSize();
+  assert.deepEqual(messages, [
+    { direction: 'sent', text: `ws://localhost:${service.port}/MVSignSDK/GetSize` },
+    { direction: 'received', text: '{"API":"GetSize","Result":"8"}' },
+  ]);
+});
+
+/** node:events' once() understands EventTargets only by their Event; this hands on the detail. */
+function asEmitter(pad, type) {
+  const emitter = new EventEmitter();
+  pad.addEventListener(type, ({ detail }) => emitter.emit(type, detail));
+  return emitter;
+}
