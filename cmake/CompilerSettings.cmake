@@ -1,0 +1,24 @@
+# What every target of the project is compiled with, and where the build puts its outputs.
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fno-exceptions -fvisibility=hidden)
+add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
+                        QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050900)
+add_link_options(-Wl,--no-undefined -Wl,--as-needed)
+
+# One source tree is one include root: #include "device/SignObjManager.h".
+include_directories("${CMAKE_SOURCE_DIR}")
+
+if(MVSIGNPAD_SANITIZE)
+    add_compile_options("-fsanitize=${MVSIGNPAD_SANITIZE}" -fno-omit-frame-pointer)
+    add_link_options("-fsanitize=${MVSIGNPAD_SANITIZE}")
+endif()
