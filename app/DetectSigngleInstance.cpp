@@ -1,0 +1,45 @@
+#include "app/DetectSigngleInstance.h"
+
+#include "app/Logging.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegExp>
+#include <QStringList>
+
+DetectSigngleInstance::DetectSigngleInstance(QObject *parent) : QObject(parent)
+{
+    MV_LOG("DetectSigngleInstance::DetectSigngleInstance()", "Enter...");
+}
+
+bool DetectSigngleInstance::IsSingleInstance()
+{
+    static const char tag[] = "DetectSigngleInstance::IsSingleInstance()";
+    MV_LOG(tag, "Enter...");
+    const bool bRet = !IsProcessRunning(QFileInfo(QCoreApplication::applicationFilePath()).fileName());
+    MV_LOG(tag, "Leave with bRet=%d", bRet);
+    return bRet;
+}
+
+bool DetectSigngleInstance::IsProcessRunning(const QString &processName)
+{
+    static const char tag[] = "DetectSigngleInstance::IsProcessRunning()";
+    MV_LOG(tag, "Enter...");
+    MV_LOG(tag, "stdprocessName=%s", processName.toUtf8().constData());
+
+    QProcess pgrep;
+    pgrep.start(QStringLiteral("pgrep"), {QStringLiteral("-f"), processName});
+    pgrep.waitForFinished(30000);
+    const QByteArray output = pgrep.readAllStandardOutput();
+    const QStringList parts = QString::fromUtf8(output.constData()).split(QRegExp(QStringLiteral("[\r\n]")));
+
+    MV_LOG(tag, "strOutputParts.size=%d", parts.size());
+    for (int i = 0; g_bEnableLog && i < parts.size(); ++i)
+        MV_LOG(tag, "stdstrOutput[%d]=%s", i, parts.at(i).toUtf8().constData());
+
+    // One identifier and its line feed make two parts: this process alone. The empty last part counts on purpose.
+    const bool bRet = parts.size() > 2;
+    MV_LOG(tag, "Leave with bRet=%d", bRet);
+    return bRet;
+}

@@ -1,0 +1,72 @@
+#include "app/Logging.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+#ifdef MVSIGNPAD_DIAGNOSTIC_LOG
+bool g_bEnableLog = true;
+#else
+bool g_bEnableLog = false;
+#endif
+
+char g_cKeyBuf[256];
+
+namespace {
+
+void AppendToFile(const char *path, const char *tag, const char *message, const char *tail)
+{
+    std::FILE *file = std::fopen(path, "a+");
+    if (!file)
+        return;
+    std::fprintf(file, "[%s]:%s, %s", tag, message, tail);
+    std::fclose(file);
+}
+
+class NarrowText {
+public:
+    explicit NarrowText(const wchar_t *text)
+    {
+        const std::size_t length = std::wcstombs(m_text, text, sizeof m_text - 1);
+        m_text[length == static_cast<std::size_t>(-1) ? 0 : length] = '\0';
+    }
+    const char *get() const { return m_text; }
+
+private:
+    char m_text[256];
+};
+
+} // namespace
+
+std::uint64_t GetTickCount()
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::uint64_t>(now.tv_sec) * 1000 + static_cast<std::uint64_t>(now.tv_nsec) / 1000000;
+}
+
+void MyDebug(const char *tag, const char *message, const char *tail)
+{
+    AppendToFile("/tmp/mvsignpadsdk_wssvr.log", tag, message, tail);
+}
+
+void MyDebug(const wchar_t *tag, const wchar_t *message, const wchar_t *tail)
+{
+    MyDebug(NarrowText(tag).get(), NarrowText(message).get(), NarrowText(tail).get());
+}
+
+void MyDebug_InsideThread(const char *tag, const char *message, const char *tail)
+{
+    AppendToFile("/tmp/mvsignpadsdk_wssvr_inthread.log", tag, message, tail);
+}
+
+void WriteLogLine(LogSink sink, const char *tag, const char *format, ...)
+{
+    const int prefix = std::snprintf(g_cKeyBuf, sizeof g_cKeyBuf, "<%ld>-", static_cast<long>(GetTickCount()));
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(g_cKeyBuf + prefix, sizeof g_cKeyBuf - static_cast<std::size_t>(prefix), format, arguments);
+    va_end(arguments);
+    sink(tag, g_cKeyBuf, "\n");
+}

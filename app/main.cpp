@@ -1,0 +1,38 @@
+#include "app/DetectSigngleInstance.h"
+#include "app/Logging.h"
+#include "tray/SysTrayMenuMgr.h"
+
+#include <QApplication>
+
+namespace {
+
+int RunFirstInstance()
+{
+    static const char tag[] = "main()";
+    // Two lines, one after the other, on purpose: log readers look for either.
+    MV_LOG(tag, "1st instance is running, keep going...");
+    MV_LOG(tag, "First instance coming, keep going...");
+
+    SysTrayMenuMgr manager(nullptr);
+    QObject::connect(&manager, &SysTrayMenuMgr::closed, &QCoreApplication::quit);
+    manager.Initialize();
+    MV_LOG(tag, "after call SysTrayMenuMgr.Initialize()...");
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    // The tray menu is the program's only window of its own: closing any other window must not end it.
+    QApplication::setQuitOnLastWindowClosed(false);
+    MV_LOG("main()", "Enter, argc=%d", argc);
+
+    DetectSigngleInstance detector(nullptr);
+    if (!detector.IsSingleInstance()) {
+        MV_LOG("main()", "2nd instance is running, exit NOW !");
+        return 1;
+    }
+    return RunFirstInstance();
+}
