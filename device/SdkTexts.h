@@ -1,0 +1,22 @@
+// Texts and records as the maker's library hands them over. Nothing here trusts the library to terminate a text.
+#pragma once
+
+#include <QString>
+
+#include <cstddef>
+
+/// The buffer as UTF-8 text up to its first NUL, at most size bytes.
+QString TextFromBuffer(const char *buffer, std::size_t size);
+
+/// What GetDeviceInfo fills, whatever the type: a flag, one or two ints, or a text.
+union DeviceInfo {
+    char text[256]; // the widest first, so that DeviceInfo{} clears it all
+    int values[2];
+    unsigned char bDeviceConnected;
+};
+
+/// True for the types that the pads know.
+bool IsDeviceInfoType(int nType);
+
+/// The information as the client gets it, each type in its own format.
+QString FormatDeviceInfo(int nType, const DeviceInfo &info);

@@ -1,0 +1,333 @@
+#include "device/SignObjManager.h"
+
+#include "app/Logging.h"
+#include "device/SignObjAlder.h"
+#include "device/SignObjBirch.h"
+#include "device/SignObjCedar.h"
+#include "device/SignObjMaple.h"
+#include "device/SignObjRowan.h"
+
+#include <QByteArray>
+
+#include <utility>
+
+#define MV_LOG_MANAGER(operation, ...) MV_LOG_INSIDE_THREAD(LogTag(operation).constData(), __VA_ARGS__)
+
+namespace {
+
+QByteArray LogTag(const char *operation)
+{
+    return QByteArray("SignObjManager::") + operation + "()";
+}
+
+template <class Model> std::unique_ptr<SignObjInterface> Create()
+{
+    return std::make_unique<Model>();
+}
+
+struct PadModel {
+    int nDeviceID;
+    std::unique_ptr<SignObjInterface> (*create)();
+};
+
+const PadModel padModels[] = {
+    {AlderSdk::nDeviceID, Create<SignObjAlder>}, {BirchSdk::nDeviceID, Create<SignObjBirch>},
+    {CedarSdk::nDeviceID, Create<SignObjCedar>}, {MapleSdk::nDeviceID, Create<SignObjMaple>},
+    {RowanSdk::nDeviceID, Create<SignObjRowan>},
+};
+
+std::unique_ptr<SignObjInterface> CreatePadObject(int nID)
+{
+    for (const PadModel &model : padModels) {
+        if (model.nDeviceID == nID)
+            return model.create();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+/// How an operation with a number or a flag as its result writes it.
+struct SignObjManager::NumberLog {
+    const char *operation;
+    const char *resultName = "bResult";
+    const char *leave = "Leave,";
+};
+
+template <class... Parameters, class... Arguments>
+void SignObjManager::Forward(const char *operation, void (SignObjInterface::*target)(Parameters...),
+                             Arguments &&...arguments)
+{
+    if (m_pCurrentActiveSignObj) {
+        ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
+        MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s()", operation);
+    }
+    MV_LOG_MANAGER(operation, "Leave !");
+}
+
+template <class Number, class... Parameters, class... Arguments>
+Number SignObjManager::ForwardNumber(const NumberLog &log, Number noObject,
+                                     Number (SignObjInterface::*target)(Parameters...), Arguments &&...arguments)
+{
+    Number result = noObject;
+    if (m_pCurrentActiveSignObj) {
+        result = ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
+        MV_LOG_MANAGER(log.operation, "after call m_pCurrentActiveSignObj->%s(), %s=%d", log.operation, log.resultName,
+                       result);
+    }
+    MV_LOG_MANAGER(log.operation, "%s %s=%d", log.leave, log.resultName, result);
+    return result;
+}
+
+template <class... Parameters, class... Arguments>
+QString SignObjManager::ForwardText(const char *operation, const char *loggedCall, const char *noObject,
+                                    QString (SignObjInterface::*target)(Parameters...), Arguments &&...arguments)
+{
+    QString strResult;
+    if (m_pCurrentActiveSignObj) {
+        strResult = ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
+        MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s()", loggedCall);
+    } else {
+        strResult = QLatin1String(noObject);
+    }
+    MV_LOG_MANAGER(operation, "Leave with strResult.length=%d", strResult.size());
+    return strResult;
+}
+
+SignObjManager::SignObjManager()
+{
+    MV_LOG_MANAGER("SignObjManager", "Enter...");
+    MV_LOG_MANAGER("SignObjManager", "Leave !");
+}
+
+SignObjManager::~SignObjManager()
+{
+    MV_LOG_MANAGER("~SignObjManager", "Enter...");
+    UnInitialDevice();
+    MV_LOG_MANAGER("~SignObjManager", "Leave !");
+}
+
+void SignObjManager::DeletePadObject(const char *operation)
+{
+    m_pCurrentActiveSignObj.reset();
+    MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj = nullptr...");
+}
+
+bool SignObjManager::InitialDevice(int nID, int nWidth, int nHeight)
+{
+    MV_LOG_MANAGER("InitialDevice", "Enter, nID=%d, nWidth=%d, nHeight=%d", nID, nWidth, nHeight);
+    if (m_pCurrentActiveSignObj) {
+        m_pCurrentActiveSignObj->UnInitialDevice();
+        DeletePadObject("InitialDevice"); // before the next one loads the library
+    }
+    m_pCurrentActiveSignObj = CreatePadObject(nID);
+    return ForwardNumber({"InitialDevice"}, false, &SignObjInterface::InitialDevice, nID, nWidth, nHeight);
+}
+
+bool SignObjManager::UnInitialDevice()
+{
+    MV_LOG_MANAGER("UnInitialDevice", "Enter...");
+    const bool bResult = ForwardNumber({"UnInitialDevice"}, false, &SignObjInterface::UnInitialDevice);
+    if (m_pCurrentActiveSignObj)
+        DeletePadObject("UnInitialDevice");
+    return bResult;
+}
+
+bool SignObjManager::IsValid()
+{
+    MV_LOG_MANAGER("IsValid", "Enter...");
+    return ForwardNumber({"IsValid"}, false, &SignObjInterface::IsValid);
+}
+
+void SignObjManager::Clear()
+{
+    MV_LOG_MANAGER("Clear", "Enter...");
+    Forward("Clear", &SignObjInterface::Clear);
+}
+
+int SignObjManager::GetSize()
+{
+    MV_LOG_MANAGER("GetSize", "Enter...");
+    return ForwardNumber({"GetSize", "nInksCount"}, 0, &SignObjInterface::GetSize);
+}
+
+QString SignObjManager::GetPointer()
+{
+    MV_LOG_MANAGER("GetPointer", "Enter...");
+    return ForwardText("GetPointer", "GetPointer", "[]", &SignObjInterface::GetPointer);
+}
+
+void SignObjManager::SetPenWidth(int nWidth)
+{
+    MV_LOG_MANAGER("SetPenWidth", "Enter, nWidth=%d", nWidth);
+    Forward("SetPenWidth", &SignObjInterface::SetPenWidth, nWidth);
+}
+
+void SignObjManager::SetPenStyle(bool bPressureOn)
+{
+    MV_LOG_MANAGER("SetPenStyle", "Enter, bPressureOn=%d", bPressureOn);
+    Forward("SetPenStyle", &SignObjInterface::SetPenStyle, bPressureOn);
+}
+
+void SignObjManager::SetPenColor(int nR, int nG, int nB)
+{
+    MV_LOG_MANAGER("SetPenColor", "Enter, nR=%d, nG=%d, nB=%d", nR, nG, nB);
+    Forward("SetPenColor", &SignObjInterface::SetPenColor, nR, nG, nB);
+}
+
+void SignObjManager::SetClip(int nWidth, int nHeight)
+{
+    MV_LOG_MANAGER("SetClip", "Enter, nWidth=%d, nHeight=%d", nWidth, nHeight);
+    Forward("SetClip", &SignObjInterface::SetClip, nWidth, nHeight);
+}
+
+void SignObjManager::DisplayDeviceInfoInLCD(bool bShow)
+{
+    MV_LOG_MANAGER("DisplayDeviceInfoInLCD", "Enter, bShow=%d", bShow);
+    Forward("DisplayDeviceInfoInLCD", &SignObjInterface::DisplayDeviceInfoInLCD, bShow);
+}
+
+void SignObjManager::CloseLCD()
+{
+    MV_LOG_MANAGER("CloseLCD", "Enter...");
+    Forward("CloseLCD", &SignObjInterface::CloseLCD);
+}
+
+void SignObjManager::OpenLCD()
+{
+    MV_LOG_MANAGER("OpenLCD", "Enter...");
+    Forward("OpenLCD", &SignObjInterface::OpenLCD);
+}
+
+int SignObjManager::GetDeviceConfirmOrCancelKeyStatus()
+{
+    MV_LOG_MANAGER("GetDeviceConfirmOrCancelKeyStatus", "Enter...");
+    // -1, where a pad without keys would answer 0: on purpose.
+    return ForwardNumber({"GetDeviceConfirmOrCancelKeyStatus", "nKeyStatus", "Leave with"}, -1,
+                         &SignObjInterface::GetDeviceConfirmOrCancelKeyStatus);
+}
+
+QString SignObjManager::GetAboutInfo()
+{
+    MV_LOG_MANAGER("GetAboutInfo", "Enter...");
+    return ForwardText("GetAboutInfo", "GetAboutInfo", "", &SignObjInterface::GetAboutInfo);
+}
+
+QString SignObjManager::GetDeviceInfo(int nType)
+{
+    MV_LOG_MANAGER("GetDeviceInfo", "Enter, nType=%d", nType);
+    return ForwardText("GetDeviceInfo", "GetDeviceInfo", "", &SignObjInterface::GetDeviceInfo, nType);
+}
+
+QString SignObjManager::VersionID()
+{
+    MV_LOG_MANAGER("VersionID", "Enter...");
+    return ForwardText("VersionID", "VersionID", "", &SignObjInterface::VersionID);
+}
+
+QString SignObjManager::PenID()
+{
+    MV_LOG_MANAGER("PenID", "Enter...");
+    return ForwardText("PenID", "PenID", "", &SignObjInterface::PenID);
+}
+
+QString SignObjManager::PadID()
+{
+    MV_LOG_MANAGER("PadID", "Enter...");
+    return ForwardText("PadID", "PadID", "", &SignObjInterface::PadID);
+}
+
+QString SignObjManager::Encode(int nType)
+{
+    MV_LOG_MANAGER("Encode", "Enter, nType=%d", nType);
+    return ForwardText("Encode", "Encode", "", &SignObjInterface::Encode, nType);
+}
+
+QString SignObjManager::Decode(int nType, QString strPath, QString strData)
+{
+    MV_LOG_MANAGER("Decode", "Enter, nType=%d, strPath=%s, strData.length=%d", nType, strPath.toUtf8().constData(),
+                   strData.size());
+    return ForwardText("Decode", "Decode", "", &SignObjInterface::Decode, nType, std::move(strPath),
+                       std::move(strData));
+}
+
+QString SignObjManager::GetDecodeFilePath()
+{
+    MV_LOG_MANAGER("GetDecodeFilePath", "Enter...");
+    return ForwardText("GetDecodeFilePath", "GetDecodeFilePath", "", &SignObjInterface::GetDecodeFilePath);
+}
+
+QString SignObjManager::SaveDrawImage(int nType, int nDPI, QString strPath)
+{
+    MV_LOG_MANAGER("SaveDrawImage", "Enter, nType=%d, nDPI=%d, strPath=%s", nType, nDPI, strPath.toUtf8().constData());
+    return ForwardText("SaveDrawImage", "SaveDrawImage", "", &SignObjInterface::SaveDrawImage, nType, nDPI,
+                       std::move(strPath));
+}
+
+QString SignObjManager::GetInks()
+{
+    MV_LOG_MANAGER("GetInks", "Enter...");
+    return ForwardText("GetInks", "GetInks", "", &SignObjInterface::GetInks);
+}
+
+QString SignObjManager::GetOpaqueInks()
+{
+    MV_LOG_MANAGER("GetOpaqueInks", "Enter...");
+    return ForwardText("GetOpaqueInks", "GetOpaqueInks", "", &SignObjInterface::GetOpaqueInks);
+}
+
+QString SignObjManager::WPSGetInks()
+{
+    MV_LOG_MANAGER("WPSGetInks", "Enter...");
+    return ForwardText("WPSGetInks", "WPSGetInks", "", &SignObjInterface::WPSGetInks);
+}
+
+QString SignObjManager::GetSVGImageBase64Data()
+{
+    MV_LOG_MANAGER("GetSVGImageBase64Data", "Enter...");
+    return ForwardText("GetSVGImageBase64Data", "GetSVGImageBase64Data", "", &SignObjInterface::GetSVGImageBase64Data);
+}
+
+QString SignObjManager::GetFingerPrintImage(bool bFPImageOnly)
+{
+    MV_LOG_MANAGER("GetFingerPrintImage", "Enter, bFPImageOnly=%d", bFPImageOnly);
+    return ForwardText("GetFingerPrintImage", "GetFingerPrintImage", "", &SignObjInterface::GetFingerPrintImage,
+                       bFPImageOnly);
+}
+
+void SignObjManager::SetDisplayedFPImageAt(int nCanvasWidth, int nCanvasHeight, int nFPLeft, int nFPTop, int nFPWidth,
+                                           int nFPHeight)
+{
+    MV_LOG_MANAGER("SetDisplayedFPImageAt",
+                   "Enter, nCanvasWidth=%d, nCanvasHeight=%d, nFPLeft=%d, nFPTop=%d, nFPWidth=%d, nFPHeight=%d",
+                   nCanvasWidth, nCanvasHeight, nFPLeft, nFPTop, nFPWidth, nFPHeight);
+    Forward("SetDisplayedFPImageAt", &SignObjInterface::SetDisplayedFPImageAt, nCanvasWidth, nCanvasHeight, nFPLeft,
+            nFPTop, nFPWidth, nFPHeight);
+}
+
+QString SignObjManager::WPSSignConfirmed(bool bEnableDateTime, QString strName)
+{
+    MV_LOG_MANAGER("WPSSignConfirmed", "Enter, bEnableDateTime=%d, strName=%s", bEnableDateTime,
+                   strName.toUtf8().constData());
+    // Logged under the name of another call, on purpose.
+    return ForwardText("WPSSignConfirmed", "SaveDrawImage", "", &SignObjInterface::WPSSignConfirmed, bEnableDateTime,
+                       std::move(strName));
+}
+
+bool SignObjManager::SetRealTimeSignBase64DataCallback(int nType, void (*pfnSignPadEventCallback)(int),
+                                                       void (*pfnSignBase64DataCallback)(char *))
+{
+    MV_LOG_MANAGER("SetRealTimeSignBase64DataCallback",
+                   "Enter, nType=%d, pfnSignPadEventCallback=%lx,pfnSignBase64DataCallback=%lx", nType,
+                   reinterpret_cast<unsigned long>(pfnSignPadEventCallback),
+                   reinterpret_cast<unsigned long>(pfnSignBase64DataCallback));
+    return ForwardNumber({"SetRealTimeSignBase64DataCallback", "bRet", "Leave with"}, false,
+                         &SignObjInterface::SetRealTimeSignBase64DataCallback, nType, pfnSignPadEventCallback,
+                         pfnSignBase64DataCallback);
+}
+
+bool SignObjManager::InitialWPSSignCanvas(int nWidth, int nHeight)
+{
+    MV_LOG_MANAGER("InitialWPSSignCanvas", "Enter, nWidth=%d, nHeight=%d", nWidth, nHeight);
+    return ForwardNumber({"InitialWPSSignCanvas"}, false, &SignObjInterface::InitialWPSSignCanvas, nWidth, nHeight);
+}
