@@ -1,0 +1,205 @@
+#include "service/CommandTable.h"
+
+#include "device/SignObjManager.h"
+#include "service/UrlParameters.h"
+#include "service/WebSocketService.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <type_traits>
+#include <utility>
+
+namespace {
+
+using Reply = std::optional<QString>;
+
+int Number(const QString &text)
+{
+    return text.toInt(nullptr, 10); // whatever is no decimal integer counts as 0
+}
+
+bool Flag(const QString &text)
+{
+    return Number(text) != 0;
+}
+
+template <class Parameter> Parameter FromText(const QString &text)
+{
+    if constexpr (std::is_same_v<Parameter, int>)
+        return Number(text);
+    else if constexpr (std::is_same_v<Parameter, bool>)
+        return Flag(text);
+    else
+        return text;
+}
+
+template <class Result> QString ToText(Result result)
+{
+    if constexpr (std::is_same_v<Result, QString>)
+        return result;
+    else
+        return QString::number(result);
+}
+
+template <class Result, class... Parameters, std::size_t... I>
+QString CallPad(SignObjManager &manager, Result (SignObjManager::*operation)(Parameters...), const QStringList &values,
+                std::index_sequence<I...> /*positions*/)
+{
+    const auto call = [&] { return (manager.*operation)(FromText<Parameters>(values.at(static_cast<int>(I)))...); };
+    if constexpr (std::is_void_v<Result>) {
+        call();
+        return QStringLiteral("0");
+    } else {
+        return ToText(call());
+    }
+}
+
+template <class Result, class... Parameters>
+Reply CallPad(WebSocketService &service, Result (SignObjManager::*operation)(Parameters...),
+              const std::optional<QStringList> &values)
+{
+    SignObjManager *const manager = service.Manager();
+    if (!values || !manager)
+        return {};
+    return CallPad(*manager, operation, *values, std::index_sequence_for<Parameters...>());
+}
+
+/// A command that is one operation of the pad, with its values converted to what the operation takes. A command
+/// without parameters ignores the query.
+template <auto Operation> Reply Pad(WebSocketService &service, const Command &command, const QString &strMsg)
+{
+    return CallPad(service, Operation, command.keys[0] ? command.Values(strMsg) : QStringList());
+}
+
+/// The fields are cut out by their markers, which must come in this order, so that the data may hold "=" and "?".
+/// The positions are not checked: the lengths that come of missing markers are part of what clients rely on.
+Reply Decode(WebSocketService &service, const Command & /*command*/, const QString &strMsg)
+{
+    const int nType = strMsg.indexOf(QLatin1String("?type=")) + 6;
+    const int nPath = strMsg.indexOf(QLatin1String("&path="));
+    const int nData = strMsg.indexOf(QLatin1String("&data="));
+    const bool bHasPath = nPath >= 0;
+    const QString type = strMsg.mid(nType, (bHasPath ? nPath : nData) - nType);
+    const QString path = bHasPath ? strMsg.mid(nPath + 6, nData - (nPath + 6)) : QString();
+    const QString data = strMsg.mid(nData + 6);
+    if (type.isEmpty() || data.isEmpty() || (bHasPath && path.isEmpty()))
+        return {};
+    return CallPad(service, &SignObjManager::Decode, QStringList{type, path, data});
+}
+
+Reply SetPenStyle(WebSocketService &service, const Command &command, const QString &strMsg)
+{
+    std::optional<QStringList> values = command.Values(strMsg);
+    if (values)
+        values->first() = Flag(values->first()) ? QStringLiteral("0") : QStringLiteral("1"); // inverted on purpose
+    return CallPad(service, &SignObjManager::SetPenStyle, values);
+}
+
+Reply GetWPSSettings(WebSocketService &service, const Command &command, const QString &strMsg)
+{
+    const std::optional<QStringList> values = command.Values(strMsg);
+    if (!values)
+        return {};
+    const WpsApplicationSettings &settings = service.WPSSettings().Application(Number(values->at(0)));
+    const QJsonObject object{{QStringLiteral("EnableDateTime"), ToText(settings.bEnableDateTime)},
+                             {QStringLiteral("EnableAutoFit"), ToText(settings.bEnableAutoFit)},
+                             {QStringLiteral("CurrentPenWidth"), ToText(settings.nPenWidth)},
+                             {QStringLiteral("Name"), settings.strName}};
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+Reply UpdateWPSSettings(WebSocketService &service, const Command &command, const QString &strMsg)
+{
+    const std::optional<QStringList> values = command.Values(strMsg);
+    if (!values)
+        return {};
+    service.WPSSettings().Application(Number(values->at(0))) = {Flag(values->at(1)), Flag(values->at(2)),
+                                                                Number(values->at(3)), values->at(4)};
+    service.WPSSettings().UpdateWPSSettingsToConfigureFile();
+    return QStringLiteral("0");
+}
+
+Reply WPSSignConfirmed(WebSocketService &service, const Command &command, const QString &strMsg)
+{
+    const std::optional<QStringList> values = command.Values(strMsg);
+    SignObjManager *const manager = service.Manager();
+    if (!values || !manager)
+        return {};
+    const WpsApplicationSettings &settings = service.WPSSettings().Application(Number(values->at(0)));
+    return manager->WPSSignConfirmed(settings.bEnableDateTime, settings.strName);
+}
+
+Reply EnableRealtimeSigningNotification(WebSocketService &service, const Command &command, const QString &strMsg)
+{
+    service.ReceivePushes(); // before any check, on purpose: a rejected request has this effect too
+    const std::optional<QStringList> values = command.Values(strMsg);
+    SignObjManager *const manager = service.Manager();
+    if (!values || !manager)
+        return {};
+    return ToText(manager->SetRealTimeSignBase64DataCallback(
+        Number(values->at(0)), WebSocketServiceSignPadEventCallback, WebSocketServiceSignBase64DataCallback));
+}
+
+} // namespace
+
+// clang-format off
+const Command commandTable[nCommandCount] = {
+    {"Clear", "CLEAR", {}, Pad<&SignObjManager::Clear>},
+    {"CloseLCD", "CLOSELCD", {}, Pad<&SignObjManager::CloseLCD>},
+    {"Decode", "DECODE", {"type", "path", "data"}, Decode},
+    {"DisplayDeviceInfoInLCD", "DISPLAYDEVICEINFOINLCD", {"show"}, Pad<&SignObjManager::DisplayDeviceInfoInLCD>},
+    {"Encode", "ENCODE", {"type"}, Pad<&SignObjManager::Encode>},
+    {"GetAboutInfo", "GETABOUTINFO", {}, Pad<&SignObjManager::GetAboutInfo>},
+    {"GetDecodeFilePath", "GETDECODEFILEPATH", {}, Pad<&SignObjManager::GetDecodeFilePath>},
+    {"GetDeviceConfirmOrCancelKeyStatus", "GETDEVICECONFIRMORCANCELKEYSTATUS", {}, Pad<&SignObjManager::GetDeviceConfirmOrCancelKeyStatus>},
+    {"GetDeviceInfo", "GETDEVICEINFO", {"type"}, Pad<&SignObjManager::GetDeviceInfo>},
+    {"GetFingerPrintImage", "GETFINGERPRINTIMAGE", {"FPImageOnly"}, Pad<&SignObjManager::GetFingerPrintImage>},
+    {"GetInks", "GETINKS", {}, Pad<&SignObjManager::GetInks>},
+    {"GetPointer", "GETPOINTER", {}, Pad<&SignObjManager::GetPointer>},
+    {"GetSize", "GETSIZE", {}, Pad<&SignObjManager::GetSize>},
+    {"InitialDevice", "INITIALDEVICE", {"id", "width", "height"}, Pad<&SignObjManager::InitialDevice>},
+    {"IsValid", "ISVALID", {}, Pad<&SignObjManager::IsValid>},
+    {"OpenLCD", "OPENLCD", {}, Pad<&SignObjManager::OpenLCD>},
+    {"PadID", "PADID", {}, Pad<&SignObjManager::PadID>},
+    {"PenID", "PENID", {}, Pad<&SignObjManager::PenID>},
+    {"SaveDrawingImage", "SAVEDRAWINGIMAGE", {"type", "dpi", "path"}, Pad<&SignObjManager::SaveDrawImage>},
+    {"SetClip", "SETCLIP", {"width", "height"}, Pad<&SignObjManager::SetClip>},
+    {"SetDisplayedFPImageAt", "SETDISPLAYEDFPIMAGEAT", {"CanvasWidth", "CanvasHeight", "Left", "Top", "Width", "Height"}, Pad<&SignObjManager::SetDisplayedFPImageAt>},
+    {"SetPenColor", "SETPENCOLOR", {"R", "G", "B"}, Pad<&SignObjManager::SetPenColor>},
+    {"SetPenStyle", "SETPENSTYLE", {"Style"}, SetPenStyle},
+    {"SetPenWidth", "SETPENWIDTH", {"Width"}, Pad<&SignObjManager::SetPenWidth>},
+    {"UninitialDevice", "UNINITIALDEVICE", {}, Pad<&SignObjManager::UnInitialDevice>},
+    {"VersionID", "VERSIONID", {}, Pad<&SignObjManager::VersionID>},
+    {"GetWPSSettings", "GETWPSSETTINGS", {"id"}, GetWPSSettings},
+    {"UpdateWPSSettings", "UPDATEWPSSETTINGS", {"id", "dt", "af", "pw", "name"}, UpdateWPSSettings},
+    {"WPSSignConfirmed", "WPSSIGNCONFIRMED", {"id"}, WPSSignConfirmed},
+    {"WPSGetInks", "WPSGETINKS", {}, Pad<&SignObjManager::WPSGetInks>},
+    {"InitialWPSSignCanvas", "INITWPSSIGNCANVAS", {"width", "height"}, Pad<&SignObjManager::InitialWPSSignCanvas>},
+    {"GetSVGImageBase64Data", "GETSVGIMAGEBASE64DATA", {}, Pad<&SignObjManager::GetSVGImageBase64Data>},
+    {"EnableRealtimeSigningNotification", "ENABLEREALTIMESIGNINGNOTIFICATION", {"type"}, EnableRealtimeSigningNotification},
+    {"GetOpaqueInks", "GETOPAQUEINKS", {}, Pad<&SignObjManager::GetOpaqueInks>},
+};
+// clang-format on
+
+QStringList Command::Keys() const
+{
+    QStringList names;
+    for (const char *key : keys) {
+        if (key)
+            names += QString::fromLatin1(key);
+    }
+    return names;
+}
+
+std::optional<QStringList> Command::Values(const QString &strMsg) const
+{
+    const QStringList names = Keys();
+    const QMap<QString, QString> parameters = ParseUrlParameters(strMsg);
+    if (parameters.size() != names.size())
+        return {};
+    QStringList values;
+    for (const QString &name : names)
+        values += parameters.value(name);
+    return values;
+}

@@ -1,0 +1,213 @@
+#include "service/WebSocketService.h"
+
+#include "app/JsonText.h"
+#include "app/Logging.h"
+#include "device/InkJson.h"
+#include "device/SignObjManager.h"
+#include "device/SignPadEvents.h"
+#include "service/CommandTable.h"
+
+#include <QHostAddress>
+#include <QMetaObject>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QWebSocket>
+#include <QWebSocketServer>
+
+WebSocketService *g_pWebSocketService = nullptr;
+
+namespace {
+
+/// Guards g_pWebSocketService: a callback on another thread must not meet a service that is being destroyed.
+QMutex pushTargetMutex;
+
+QString ReplyEnvelope(const QString &strAPI, const QString &strResult)
+{
+    QString strReply;
+    strReply.reserve(strResult.size() + strResult.size() / 8 + 64);
+    strReply += QLatin1String("{\"API\":");
+    AppendJsonString(strReply, strAPI);
+    strReply += QLatin1String(",\"Result\":");
+    AppendJsonString(strReply, strResult);
+    strReply += QLatin1Char('}');
+    return strReply;
+}
+
+} // namespace
+
+WebSocketService::WebSocketService(quint16 port, QObject *parent)
+    : QObject(parent), m_pWebSocketServer(new QWebSocketServer(QStringLiteral("MVSignPadSDK - WebSocketServer"),
+                                                               QWebSocketServer::NonSecureMode, this)),
+      m_nPort(port)
+{
+    static const char tag[] = "WebSocketService::WebSocketService()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, m_nPort=%d", m_nPort);
+    m_WPSSettings.LoadWPSSettingsFromConfigureFile();
+    // Every interface, although the URL that it serves says "localhost": on purpose.
+    if (m_pWebSocketServer->listen(QHostAddress::Any, port)) {
+        connect(m_pWebSocketServer, &QWebSocketServer::newConnection, this, &WebSocketService::onNewConnection);
+        connect(m_pWebSocketServer, &QWebSocketServer::closed, this, &WebSocketService::closed);
+        m_strServiceUrl = QStringLiteral("%1%2%3")
+                              .arg(QStringLiteral("ws://localhost:"))
+                              .arg(port)
+                              .arg(QStringLiteral("/MVSignSDK/"));
+        SetupMVSignPadSDKAPINameList();
+        m_pSignObjMgr = std::make_unique<SignObjManager>();
+        MV_LOG_INSIDE_THREAD(tag, "m_pSignObjMgr=%lx", reinterpret_cast<unsigned long>(m_pSignObjMgr.get()));
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+WebSocketService::~WebSocketService()
+{
+    static const char tag[] = "WebSocketService::~WebSocketService()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    {
+        QMutexLocker lock(&pushTargetMutex);
+        if (g_pWebSocketService == this)
+            g_pWebSocketService = nullptr;
+    }
+    for (QWebSocket *pClient : qAsConst(m_clients)) {
+        pClient->disconnect(this); // closing it would otherwise edit the list that is being walked
+        delete pClient;
+    }
+    m_pSignObjMgr.reset();
+    m_pWebSocketServer->close();
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketService::SetupMVSignPadSDKAPINameList()
+{
+    for (const Command &command : commandTable)
+        m_APINameList.append(QString::fromLatin1(command.szName));
+}
+
+void WebSocketService::onNewConnection()
+{
+    static const char tag[] = "WebSocketService::onNewConnection()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    if (QWebSocket *pClient = m_pWebSocketServer->nextPendingConnection()) {
+        connect(pClient, &QWebSocket::textMessageReceived, this, &WebSocketService::processTextMessage);
+        connect(pClient, &QWebSocket::binaryMessageReceived, this, &WebSocketService::processBinaryMessage);
+        connect(pClient, &QWebSocket::disconnected, this, &WebSocketService::socketDisconnected);
+        m_clients.append(pClient);
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketService::socketDisconnected()
+{
+    static const char tag[] = "WebSocketService::socketDisconnected()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender())) {
+        m_clients.removeAll(pClient);
+        pClient->deleteLater();
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketService::processTextMessage(QString message)
+{
+    static const char tag[] = "WebSocketService::processTextMessage()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, message.length=%d", message.size());
+    if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender()))
+        pClient->sendTextMessage(ProcessMVSignSDKWebSocketAPICommand(message));
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketService::processBinaryMessage(QByteArray message)
+{
+    static const char tag[] = "WebSocketService::processBinaryMessage()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, message=%s", message.constData());
+    if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender()))
+        pClient->sendBinaryMessage(message);
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+int WebSocketService::RecognisedCommand(const QString &strMsg) const
+{
+    if (!strMsg.startsWith(m_strServiceUrl))
+        return -1;
+    const QStringRef call = strMsg.midRef(m_strServiceUrl.size());
+    for (int i = 0; i < m_APINameList.size(); ++i) {
+        if (call.startsWith(m_APINameList.at(i))) // whatever follows the name is not looked at
+            return i;
+    }
+    return -1;
+}
+
+QString WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg)
+{
+    static const char tag[] = "WebSocketService::ProcessMVSignSDKWebSocketAPICommand()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, strMsg.length=%d", strMsg.size());
+    QString strAPI = QStringLiteral("Invalid API request");
+    QString strResult = QStringLiteral("-1");
+    const int nCommand = RecognisedCommand(strMsg);
+    if (nCommand >= 0) {
+        const Command &command = commandTable[nCommand];
+        MV_LOG_INSIDE_THREAD(tag, "Rx Cmd: %s", command.szLogName);
+        if (std::optional<QString> result = command.run(*this, command, strMsg)) {
+            strAPI = m_APINameList.at(nCommand);
+            strResult = std::move(*result);
+        }
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+    return ReplyEnvelope(strAPI, strResult);
+}
+
+void WebSocketService::ReceivePushes()
+{
+    QMutexLocker lock(&pushTargetMutex);
+    g_pWebSocketService = this;
+}
+
+void WebSocketService::ProcessSignPadEvent(int nEventID)
+{
+    static const char tag[] = "WebSocketService::ProcessSignPadEvent()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, nEventID=%d", nEventID);
+    const char *const loggedEvent = nEventID == SIGNPAD_ENTER_BUTTON    ? "nEventID == SIGNPAD_ENTER_BUTTON..."
+                                    : nEventID == SIGNPAD_CANCEL_BUTTON ? "nEventID == SIGNPAD_CANCEL_BUTTON..."
+                                                                        : nullptr;
+    // The same message as the reply of the command: a client tells a push by not having asked, on purpose.
+    SendToAllClients(ReplyEnvelope(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus"), QString::number(nEventID)), tag,
+                     loggedEvent);
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketService::ProcessSignBase64Data(const QByteArray &data)
+{
+    static const char tag[] = "WebSocketService::ProcessSignBase64Data()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    if (!data.isNull())
+        SendToAllClients(ReplyEnvelope(QStringLiteral("GetInks"), ImageReply(ImageEvent::Ink, QString::fromUtf8(data))),
+                         tag, nullptr);
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketService::SendToAllClients(const QString &strResponseMsg, const char *tag, const char *loggedEvent)
+{
+    const QList<QWebSocket *> clients = m_clients; // a send that fails takes its client off the list
+    for (int i = 0; i < clients.size(); ++i) {
+        QWebSocket *const pClient = clients.at(i);
+        if (loggedEvent)
+            MV_LOG_INSIDE_THREAD(tag, "%s", loggedEvent);
+        pClient->sendTextMessage(strResponseMsg);
+        MV_LOG_INSIDE_THREAD(tag, "after call pClient->sendTextMessage(strResponseMsg), i = %d", i);
+    }
+}
+
+void WebSocketServiceSignPadEventCallback(int nEventID)
+{
+    QMutexLocker lock(&pushTargetMutex);
+    if (g_pWebSocketService)
+        QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignPadEvent", Qt::QueuedConnection,
+                                  Q_ARG(int, nEventID));
+}
+
+void WebSocketServiceSignBase64DataCallback(char *pData)
+{
+    QMutexLocker lock(&pushTargetMutex);
+    if (g_pWebSocketService)
+        QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignBase64Data", Qt::QueuedConnection,
+                                  Q_ARG(QByteArray, QByteArray(pData)));
+}

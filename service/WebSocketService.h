@@ -1,0 +1,70 @@
+#pragma once
+
+#include "service/WpsSettings.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class QWebSocket;
+class QWebSocketServer;
+class SignObjManager;
+
+/// The WebSocket server: takes each request of its clients through the command table to the pad and replies to the
+/// sender. Lives on the service thread; requests are handled one at a time, to completion.
+class WebSocketService : public QObject {
+    Q_OBJECT
+
+public:
+    /// Listens on every interface. When the port cannot be had the object exists, but serves nobody.
+    explicit WebSocketService(quint16 port, QObject *parent = nullptr);
+    /// Deletes the clients first, then the manager, which closes the pad, then stops listening.
+    ~WebSocketService() override;
+
+    /// Null when listening failed.
+    SignObjManager *Manager() const { return m_pSignObjMgr.get(); }
+    _STRUCT_WPS_SETTINGS_INIDATA &WPSSettings() { return m_WPSSettings; }
+
+    /// Makes this the service that the device callbacks below push through, until it is destroyed. Any thread.
+    void ReceivePushes();
+
+    /// Sends a key event to every client, in the order in which they connected.
+    Q_INVOKABLE void ProcessSignPadEvent(int nEventID);
+    /// Sends a picture in base64 to every client, in the order in which they connected; nothing when it is null.
+    Q_INVOKABLE void ProcessSignBase64Data(const QByteArray &data);
+
+Q_SIGNALS:
+    void closed();
+
+private Q_SLOTS:
+    void onNewConnection();
+    void processTextMessage(QString message);
+    void processBinaryMessage(QByteArray message);
+    void socketDisconnected();
+
+private:
+    void SetupMVSignPadSDKAPINameList();
+    int RecognisedCommand(const QString &strMsg) const;
+    QString ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg);
+    void SendToAllClients(const QString &strResponseMsg, const char *tag, const char *loggedEvent);
+
+    _STRUCT_WPS_SETTINGS_INIDATA m_WPSSettings;
+    QWebSocketServer *m_pWebSocketServer; // child of the service
+    QList<QWebSocket *> m_clients;        // owned, in the order of connection
+    quint16 m_nPort;
+    QString m_strServiceUrl; // what every request must begin with
+    QStringList m_APINameList;
+    std::unique_ptr<SignObjManager> m_pSignObjMgr;
+};
+
+/// The service that device callbacks push through; null when there is none.
+extern WebSocketService *g_pWebSocketService;
+
+/// Callbacks for the device layer, from any thread: the push is handed to the service thread and sent from there, in
+/// the order of the calls. The text is copied before the call returns. Without a service they do nothing.
+void WebSocketServiceSignPadEventCallback(int nEventID);
+void WebSocketServiceSignBase64DataCallback(char *pData);

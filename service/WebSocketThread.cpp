@@ -1,0 +1,35 @@
+#include "service/WebSocketThread.h"
+
+#include "app/Logging.h"
+#include "service/WebSocketService.h"
+
+WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort)
+    : QThread(parent), m_nWebSocketPort(nWebSocketPort)
+{
+    static const char tag[] = "WebSocketThread::WebSocketThread()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, nWebSocketPort=%d", nWebSocketPort);
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+WebSocketThread::~WebSocketThread()
+{
+    static const char tag[] = "WebSocketThread::~WebSocketThread()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    if (m_pWebSocketService) {
+        m_pWebSocketService.reset();
+        MV_LOG_INSIDE_THREAD(tag, "after call delete m_pWebSocketService...");
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+void WebSocketThread::run()
+{
+    static const char tag[] = "WebSocketThread::run()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    m_pWebSocketService = std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort));
+    MV_LOG_INSIDE_THREAD(tag, "b4 call exec()...");
+    exec();
+    // The thread that owns this object deletes the service: its sockets must not wait for this one's event loop.
+    m_pWebSocketService->moveToThread(thread());
+    MV_LOG_INSIDE_THREAD(tag, "after call exec() and Leave !");
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QThread>
+
+#include <memory>
+
+class WebSocketService;
+
+/// The thread that a service lives on. Its owner starts it, and to stop it calls quit(), waits for it and deletes it.
+class WebSocketThread : public QThread {
+    Q_OBJECT
+
+public:
+    WebSocketThread(QObject *parent, int nWebSocketPort);
+    /// Deletes the service, on the deleting thread. The thread must have ended.
+    ~WebSocketThread() override;
+
+protected:
+    void run() override;
+
+private:
+    std::unique_ptr<WebSocketService> m_pWebSocketService;
+    int m_nWebSocketPort;
+};

@@ -1,0 +1,50 @@
+#include "service/WpsSettings.h"
+
+#include "app/SettingsFile.h"
+
+namespace {
+
+QString FileName()
+{
+    return QStringLiteral("MVeSign_WPS");
+}
+
+/// Calls visit(key, field) for every setting, in the order of the file.
+template <class Settings, class Visitor> void ForEachSetting(Settings &settings, Visitor visit)
+{
+    const auto visitApplication = [&visit](const QString &suffix, auto &application) {
+        visit(QStringLiteral("EnableDateTime_") + suffix, application.bEnableDateTime);
+        visit(QStringLiteral("EnableAutoFit_") + suffix, application.bEnableAutoFit);
+        visit(QStringLiteral("PenWidth_") + suffix, application.nPenWidth);
+        visit(QStringLiteral("Name_") + suffix, application.strName);
+    };
+    visitApplication(QStringLiteral("WPS"), settings.WPS);
+    visitApplication(QStringLiteral("ET"), settings.ET);
+    visitApplication(QStringLiteral("WPP"), settings.WPP);
+}
+
+} // namespace
+
+WpsApplicationSettings &_STRUCT_WPS_SETTINGS_INIDATA::Application(int nID)
+{
+    switch (nID) {
+    case 2:
+        return ET;
+    case 3:
+        return WPP;
+    default:
+        return WPS;
+    }
+}
+
+void _STRUCT_WPS_SETTINGS_INIDATA::LoadWPSSettingsFromConfigureFile()
+{
+    const SettingsFile file(FileName());
+    ForEachSetting(*this, [&file](const QString &key, auto &field) { file.Load(key, field); });
+}
+
+void _STRUCT_WPS_SETTINGS_INIDATA::UpdateWPSSettingsToConfigureFile() const
+{
+    SettingsFile file(FileName());
+    ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
+}
