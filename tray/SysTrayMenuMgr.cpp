@@ -1,0 +1,223 @@
+#include "tray/SysTrayMenuMgr.h"
+
+#include "app/Logging.h"
+#include "service/WebSocketThread.h"
+#include "tray/CheckSysTrayThread.h"
+#include "tray/DesktopVariant.h"
+#include "tray/TrayTexts.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QIcon>
+#include <QMenu>
+#include <QSysInfo>
+#include <QSystemTrayIcon>
+
+SysTrayMenuMgr::SysTrayMenuMgr(QObject *parent) : QObject(parent)
+{
+    static const char tag[] = "SysTrayMenuMgr::SysTrayMenuMgr()";
+    const QString productType = QSysInfo::productType();
+    MV_LOG(tag, "Enter, OSProductType=%s", productType.toUtf8().constData());
+    m_nOSProductID = DesktopVariantOf(productType);
+    MV_LOG(tag, "m_nOSProductID=%d", m_nOSProductID);
+}
+
+SysTrayMenuMgr::~SysTrayMenuMgr()
+{
+    MV_LOG("SysTrayMenuMgr::~SysTrayMenuMgr()", "Enter...");
+    MV_LOG("SysTrayMenuMgr::~SysTrayMenuMgr()", "Leave !");
+}
+
+void SysTrayMenuMgr::Initialize()
+{
+    static const char tag[] = "SysTrayMenuMgr::Initialize()";
+    MV_LOG(tag, "Enter...");
+    QSystemTrayIcon::isSystemTrayAvailable(); // Qt makes its tray tracker on the thread that asks first
+    m_pCheckSysTrayThread = new CheckSysTrayThread(this);
+    connect(m_pCheckSysTrayThread, &CheckSysTrayThread::SysTrayAvailable, this,
+            &SysTrayMenuMgr::StartCreateSystemTrayIcon);
+    m_pCheckSysTrayThread->start();
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::StartCreateSystemTrayIcon(bool bSysTrayAvailable)
+{
+    static const char tag[] = "SysTrayMenuMgr::StartCreateSystemTrayIcon()";
+    MV_LOG(tag, "Enter, bSysTrayAvailable=%d", bSysTrayAvailable);
+    if (m_pCheckSysTrayThread) {
+        m_pCheckSysTrayThread->quit();
+        m_pCheckSysTrayThread->wait();
+        delete m_pCheckSysTrayThread;
+        m_pCheckSysTrayThread = nullptr;
+    }
+    if (bSysTrayAvailable) {
+        MV_LOG(tag, "b4 call CreateSystemTray()...");
+        CreateSystemTray();
+    } else {
+        MV_LOG(tag, "b4 call closed()...");
+        Q_EMIT closed();
+    }
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::CreateSystemTray()
+{
+    static const char tag[] = "SysTrayMenuMgr::CreateSystemTray()";
+    MV_LOG(tag, "Enter...");
+    auto *const pSysTrayIcon = new QSystemTrayIcon; // icon and menu live until the process ends
+    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
+        MV_LOG(tag, "System Tray Is NOT Available !!!"); // runs on without a tray, on purpose: it was there just now
+        return;
+    }
+    MV_LOG(tag, "System Tray Available...");
+    auto *const pSysTrayIconMenu = new QMenu;
+
+    // The SDK library and the icon are opened relative to the program's own directory.
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+    LoadDataFromINIFIle();
+    MV_LOG(tag, "after call LoadDataFromINIFIle()...");
+    const TrayTexts &texts = TrayTextsOf(INIDATA.nUILangID);
+    CreateEntries(texts, *pSysTrayIconMenu);
+
+    pSysTrayIcon->setIcon(QIcon(QStringLiteral("./mvsignpadsdk_wssvr.ico")));
+    pSysTrayIcon->setContextMenu(pSysTrayIconMenu);
+    pSysTrayIcon->setToolTip(QString::fromUtf8(texts.szToolTip));
+    pSysTrayIcon->show();
+    MV_LOG(tag, "after call pSysTrayIcon->show()...");
+    MV_LOG(tag, "Leave !");
+}
+
+QAction *SysTrayMenuMgr::AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)())
+{
+    auto *const pAction = new QAction(QString::fromUtf8(szText), this);
+    pAction->setCheckable(bCheckable);
+    connect(pAction, &QAction::triggered, this, slot); // checking it by program does not trigger it
+    return pAction;
+}
+
+void SysTrayMenuMgr::CreateEntries(const TrayTexts &texts, QMenu &menu)
+{
+    m_pStartServiceAction = AddEntry(texts.szStartService, true, &SysTrayMenuMgr::StartWebSocketService);
+    m_pStartSecureServiceAction =
+        AddEntry(texts.szStartSecureService, true, &SysTrayMenuMgr::StartWebSecureSocketService);
+    m_pAutoLaunchAction = AddEntry(texts.szAutoLaunch, true, &SysTrayMenuMgr::AutoLaunchService);
+    QAction *const pExitAction = AddEntry(texts.szExit, false, &SysTrayMenuMgr::ExitWebSocketService);
+
+    if (INIDATA.bStartWebService) {
+        INIDATA.bStartWebServiceWithSSL = false;
+        m_pStartServiceAction->setChecked(true);
+        OpenWebSocketService(true);
+    }
+    m_pStartSecureServiceAction->setChecked(INIDATA.bStartWebServiceWithSSL);
+    m_pAutoLaunchAction->setChecked(INIDATA.bAutoLaunch);
+
+    // The secure entry works, but is not shown, on purpose: there is no secure service to start.
+    menu.addAction(m_pStartServiceAction);
+    menu.addSeparator();
+    menu.addAction(m_pAutoLaunchAction);
+    menu.addSeparator();
+    menu.addAction(pExitAction);
+}
+
+void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
+{
+    static const char tag[] = "SysTrayMenuMgr::OpenWebSocketService()";
+    MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
+    if (bOpenService) {
+        m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort);
+        m_pWebSocketThread->start();
+        MV_LOG(tag, "after call m_pWebSocketThread->start()...");
+    } else if (m_pWebSocketThread) {
+        MV_LOG(tag, "b4 call m_pWebSocketThread->quit()...");
+        m_pWebSocketThread->quit();
+        m_pWebSocketThread->wait();
+        delete m_pWebSocketThread;
+        m_pWebSocketThread = nullptr;
+        MV_LOG(tag, "after call m_pWebSocketThread = nullptr...");
+    }
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::StartWebSocketService()
+{
+    static const char tag[] = "SysTrayMenuMgr::StartWebSocketService()";
+    MV_LOG(tag, "Enter...");
+    if (m_pStartServiceAction) {
+        const bool bStart = m_pStartServiceAction->isChecked();
+        INIDATA.bStartWebService = bStart;
+        if (bStart) {
+            INIDATA.bStartWebServiceWithSSL = false;
+            if (m_pStartSecureServiceAction)
+                m_pStartSecureServiceAction->setChecked(false);
+        }
+        OpenWebSocketService(bStart);
+        WriteDataToINIFIle();
+    }
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::StartWebSecureSocketService()
+{
+    // A flag held for the next write, on purpose: nothing is started, stopped or written here.
+    static const char tag[] = "SysTrayMenuMgr::StartWebSecureSocketService()";
+    MV_LOG(tag, "Enter...");
+    if (m_pStartSecureServiceAction) {
+        INIDATA.bStartWebServiceWithSSL = m_pStartSecureServiceAction->isChecked();
+        if (INIDATA.bStartWebServiceWithSSL) {
+            INIDATA.bStartWebService = false;
+            if (m_pStartServiceAction)
+                m_pStartServiceAction->setChecked(false);
+        }
+    }
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::AutoLaunchService()
+{
+    // What fails here is not reported: the next start looks at the entry on disk.
+    static const char tag[] = "SysTrayMenuMgr::AutoLaunchService()";
+    MV_LOG(tag, "Enter...");
+    if (m_pAutoLaunchAction) {
+        const QString target = AutostartTarget(m_nOSProductID);
+        QDir().mkpath(AutostartFolder());
+        INIDATA.bAutoLaunch = m_pAutoLaunchAction->isChecked();
+        if (INIDATA.bAutoLaunch) {
+            QFile::copy(AutostartSource(m_nOSProductID), target); // keeps an entry that is there
+            MV_LOG(tag, "INIDATA.bAutoLaunch = TRUE...");
+        } else {
+            QFile::remove(target);
+            MV_LOG(tag, "INIDATA.bAutoLaunch = false !");
+        }
+        WriteDataToINIFIle();
+    }
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::ExitWebSocketService()
+{
+    static const char tag[] = "SysTrayMenuMgr::ExitWebSocketService()";
+    MV_LOG(tag, "Enter...");
+    WriteDataToINIFIle();
+    OpenWebSocketService(false);
+    Q_EMIT closed();
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::LoadDataFromINIFIle()
+{
+    static const char tag[] = "SysTrayMenuMgr::LoadDataFromINIFIle()";
+    MV_LOG(tag, "Enter, OSKernelType=%s, OSProductType=%s", QSysInfo::kernelType().toUtf8().constData(),
+           QSysInfo::productType().toUtf8().constData());
+    INIDATA.Load(m_nOSProductID);
+    MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::WriteDataToINIFIle()
+{
+    static const char tag[] = "SysTrayMenuMgr::WriteDataToINIFIle()";
+    MV_LOG(tag, "Enter...");
+    INIDATA.Save();
+    MV_LOG(tag, "Leave !");
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "tray/TraySettings.h"
+
+#include <QObject>
+#include <QPointer>
+
+class CheckSysTrayThread;
+class QAction;
+class QMenu;
+class WebSocketThread;
+struct TrayTexts;
+
+/// The application object: waits for the tray, shows the icon and its menu, starts and stops the service, and keeps
+/// the tray settings. Main thread only.
+class SysTrayMenuMgr : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SysTrayMenuMgr(QObject *parent = nullptr);
+    ~SysTrayMenuMgr() override;
+
+    /// Starts waiting for the tray and returns at once; the tray is built when it is there.
+    void Initialize();
+
+    /// Builds icon and menu, and starts the service if the settings say so. At most once.
+    void CreateSystemTray();
+
+    /// Starts the service, or stops it and waits, without time limit, until its thread has ended. Starting needs a
+    /// stopped service.
+    void OpenWebSocketService(bool bOpenService);
+
+    void LoadDataFromINIFIle();
+    void WriteDataToINIFIle();
+
+    const TraySettings &Settings() const { return INIDATA; }
+
+Q_SIGNALS:
+    /// The program is to end: the exit entry was chosen, or there is no tray.
+    void closed();
+
+public Q_SLOTS:
+    void StartWebSocketService();
+    void StartWebSecureSocketService();
+    void AutoLaunchService();
+    void ExitWebSocketService();
+    void StartCreateSystemTrayIcon(bool bSysTrayAvailable);
+
+private:
+    QAction *AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)());
+    void CreateEntries(const TrayTexts &texts, QMenu &menu);
+
+    TraySettings INIDATA;
+    QPointer<QAction> m_pStartServiceAction;
+    QPointer<QAction> m_pStartSecureServiceAction;
+    QPointer<QAction> m_pAutoLaunchAction;
+    WebSocketThread *m_pWebSocketThread = nullptr;       // null while the service is stopped
+    CheckSysTrayThread *m_pCheckSysTrayThread = nullptr; // null but while waiting for the tray
+    qint32 m_nOSProductID = 0;
+};
