@@ -4,7 +4,8 @@
 #include <QString>
 
 /// Finds out, through pgrep, whether another copy of the program runs. Main thread.
-class DetectSigngleInstance : public QObject {
+class DetectSigngleInstance : public QObject
+{
     Q_OBJECT
 
 public:

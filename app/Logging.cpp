@@ -24,7 +24,8 @@ void AppendToFile(const char *path, const char *tag, const char *message, const 
     std::fclose(file);
 }
 
-class NarrowText {
+class NarrowText
+{
 public:
     explicit NarrowText(const wchar_t *text)
     {

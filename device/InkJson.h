@@ -6,7 +6,8 @@
 #include <QString>
 
 /// A compact JSON array that grows by one object a call.
-class InkPointList {
+class InkPointList
+{
 public:
     /// A point of the current drawing.
     void Append(const _STRUCT_INK_POINT_DATA &point, const QString &strTime);

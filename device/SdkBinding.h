@@ -8,11 +8,13 @@
 #include <memory>
 
 /// A resolved function of the library and the name it goes by in the log.
-template <class Pointer> struct SdkFunction {
+template <class Pointer>
+struct SdkFunction {
     const char *szName;
     Pointer pfn; ///< null when the library lacks it
 };
-template <class Pointer> SdkFunction(const char *, Pointer) -> SdkFunction<Pointer>;
+template <class Pointer>
+SdkFunction(const char *, Pointer) -> SdkFunction<Pointer>;
 
 /// Defines the struct <Model>Sdk: the model's constants, the library, and for each row of the model's column one
 /// member m_pfn_MV<Model>_<Function> (null until resolved) and one accessor fn<Function>(), by which the operations
@@ -26,7 +28,11 @@ template <class Pointer> SdkFunction(const char *, Pointer) -> SdkFunction<Point
         MV_SDK_FUNCTIONS(MV_SDK_MEMBER, Model)                                                                         \
                                                                                                                        \
         /* Calls visit(full name, pointer) for every function, in resolve order. */                                    \
-        template <class Visitor> void ForEachFunction(Visitor visit) { MV_SDK_FUNCTIONS(MV_SDK_VISIT, Model) }         \
+        template <class Visitor>                                                                                       \
+        void ForEachFunction(Visitor visit)                                                                            \
+        {                                                                                                              \
+            MV_SDK_FUNCTIONS(MV_SDK_VISIT, Model)                                                                      \
+        }                                                                                                              \
     };
 
 #define MV_SDK_MEMBER(Model, name, result, parameters, ...)                                                            \

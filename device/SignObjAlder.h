@@ -5,7 +5,8 @@
 MV_DEFINE_SDK_BINDING(Alder, 2)
 
 /// The pad with a canvas for WPS and with pushed pictures and key events.
-class SignObjAlder : public WithPenAndLcd<AlderSdk> {
+class SignObjAlder : public WithPenAndLcd<AlderSdk>
+{
 public:
     using SignPadEventCallback = void (*)(int nEventID);
     using SignBase64DataCallback = void (*)(char *pData);

@@ -4,4 +4,6 @@
 
 MV_DEFINE_SDK_BINDING(Birch, 5)
 
-class SignObjBirch : public WithPenAndLcd<BirchSdk> {};
+class SignObjBirch : public WithPenAndLcd<BirchSdk>
+{
+};

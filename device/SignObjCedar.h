@@ -5,7 +5,8 @@
 MV_DEFINE_SDK_BINDING(Cedar, 7)
 
 /// The pad with a fingerprint sensor.
-class SignObjCedar : public WithPenAndLcd<CedarSdk> {
+class SignObjCedar : public WithPenAndLcd<CedarSdk>
+{
 public:
     QString GetFingerPrintImage(bool bFPImageOnly) override;
     void SetDisplayedFPImageAt(int nCanvasWidth, int nCanvasHeight, int nFPLeft, int nFPTop, int nFPWidth,

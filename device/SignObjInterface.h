@@ -5,7 +5,8 @@
 /// One signature pad. The values returned here are those of a pad that lacks the operation; a model overrides what
 /// its pad can do. All operations run on the service thread and block as long as the pad does; none throws.
 /// Sizes and positions are in the pad's own pixels.
-class SignObjInterface {
+class SignObjInterface
+{
 public:
     virtual ~SignObjInterface() = default;
 

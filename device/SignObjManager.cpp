@@ -20,7 +20,8 @@ QByteArray LogTag(const char *operation)
     return QByteArray("SignObjManager::") + operation + "()";
 }
 
-template <class Model> std::unique_ptr<SignObjInterface> Create()
+template <class Model>
+std::unique_ptr<SignObjInterface> Create()
 {
     return std::make_unique<Model>();
 }

@@ -7,7 +7,8 @@
 /// Holds the one live pad object, picks its model by device ID and forwards every operation to it. Without a pad
 /// object each operation answers with its neutral value: false, 0, -1 for the key status, "[]" for the points, an
 /// empty text. The operations are those of SignObjInterface. Service thread only.
-class SignObjManager {
+class SignObjManager
+{
 public:
     SignObjManager();
     /// Closes and deletes a live pad object.

@@ -4,4 +4,6 @@
 
 MV_DEFINE_SDK_BINDING(Maple, 3)
 
-class SignObjMaple : public SignObjModel<MapleSdk> {};
+class SignObjMaple : public SignObjModel<MapleSdk>
+{
+};

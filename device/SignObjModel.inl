@@ -1,49 +1,5 @@
-// Definitions of SignObjModel, in the order of the SDK binding, the pad's controls, its ink, and files.
+// Definitions of SignObjModel, the pad's controls first, then its ink, then files.
 #pragma once
-
-template <class Sdk>
-SignObjModel<Sdk>::SignObjModel()
-{
-    MV_LOG_PAD(Sdk::szClassName, "Enter...");
-    [[maybe_unused]] const bool bResult = LoadMVSignPadSDK(); // a library that lacks names still serves the others
-    MV_LOG_PAD(Sdk::szClassName, "Leave, bResult=%d", bResult);
-}
-
-template <class Sdk>
-SignObjModel<Sdk>::~SignObjModel()
-{
-    const QByteArray destructor = QByteArray("~") + Sdk::szClassName;
-    MV_LOG_PAD(destructor.constData(), "Enter...");
-    this->m_pSDKLibrary->unload();
-    MV_LOG_PAD(destructor.constData(), "Leave !");
-}
-
-template <class Sdk>
-bool SignObjModel<Sdk>::LoadMVSignPadSDK()
-{
-    // The failure lines carry this name instead of the model's, on purpose.
-    static const char failureTag[] = "WebSocketService::LoadMVSignPadSDK()";
-    MV_LOG_PAD("LoadMVSignPadSDK", "Enter...");
-    bool bRet = false;
-    this->m_pSDKLibrary = std::make_unique<QLibrary>(QStringLiteral("./libmvsignpadsdk.so"));
-    QLibrary &library = *this->m_pSDKLibrary;
-    if (!library.load()) {
-        MV_LOG_INSIDE_THREAD(failureTag, "libmvsignpadsdk.so' Library is not loaded, stdstrErrorString=%s",
-                             library.errorString().toUtf8().constData());
-    } else {
-        bRet = true;
-        this->ForEachFunction([&](const char *name, auto &pfn) {
-            pfn = reinterpret_cast<std::decay_t<decltype(pfn)>>(library.resolve(name));
-            bRet = bRet && pfn;
-        });
-        if (!bRet)
-            MV_LOG_INSIDE_THREAD(failureTag,
-                                 "APIs of 'libmvsignpadsdk.so' Library loaded Failed, stdstrErrorString=%s",
-                                 library.errorString().toUtf8().constData());
-    }
-    MV_LOG_PAD("LoadMVSignPadSDK", "Leave, bRet=%d", bRet);
-    return bRet;
-}
 
 template <class Sdk>
 bool SignObjModel<Sdk>::InitialDevice(int nID, int nWidth, int nHeight)
@@ -51,7 +7,7 @@ bool SignObjModel<Sdk>::InitialDevice(int nID, int nWidth, int nHeight)
     MV_LOG_PAD("InitialDevice", "Enter, nID=%d, nWidth=%d, nHeight=%d", nID, nWidth, nHeight);
     bool bResult = false;
     const auto function = this->fnInitialDevice();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         bResult = function.pfn(nID, nullptr, 0, 0, nWidth, nHeight);
         MV_LOG_PAD("InitialDevice", "after call m_pfn_%s(), bResult=%d", function.szName, bResult);
     }
@@ -65,7 +21,7 @@ bool SignObjModel<Sdk>::UnInitialDevice()
     MV_LOG_PAD("UnInitialDevice", "Enter...");
     bool bResult = false;
     const auto function = this->fnUnInitialDevice();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         const int nResult = function.pfn(Sdk::nDeviceID);
         MV_LOG_PAD("UnInitialDevice", "after call m_pfn_%s(), nResult=%d", function.szName, nResult);
         bResult = nResult == 0;
@@ -79,7 +35,7 @@ void SignObjModel<Sdk>::Clear()
 {
     MV_LOG_PAD("Clear", "Enter...");
     const auto function = this->fnClear();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         function.pfn(Sdk::nDeviceID);
         MV_LOG_PAD("Clear", "after call m_pfn_%s()", function.szName);
     }
@@ -92,7 +48,7 @@ bool SignObjModel<Sdk>::IsValid()
     MV_LOG_PAD("IsValid", "Enter...");
     bool bResult = false;
     const auto function = this->fnGetDeviceInfo();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         DeviceInfo info{};
         const int nResult = function.pfn(Sdk::nDeviceID, 1, &info);
         MV_LOG_PAD("IsValid", "after call m_pfn_%s(), nResult=%d, bDeviceConnected=%d", function.szName, nResult,
@@ -109,7 +65,7 @@ int SignObjModel<Sdk>::GetSize()
     MV_LOG_PAD("GetSize", "Enter...");
     int nInksCount = 0;
     const auto function = this->fnGetTotalInkPointsNumber();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         nInksCount = function.pfn(Sdk::nDeviceID);
         MV_LOG_PAD("GetSize", "after call m_pfn_%s(), nInksCount=%d", function.szName, nInksCount);
     }
@@ -121,7 +77,7 @@ template <class Sdk>
 void SignObjModel<Sdk>::SetPenWidth(int nWidth)
 {
     MV_LOG_PAD("SetPenWidth", "Enter, nWidth=%d", nWidth);
-    CallAndLogResult("SetPenWidth", this->fnSetPenWidth(), nWidth);
+    this->CallAndLogResult("SetPenWidth", this->fnSetPenWidth(), nWidth);
     MV_LOG_PAD("SetPenWidth", "Leave !");
 }
 
@@ -129,7 +85,7 @@ template <class Sdk>
 void SignObjModel<Sdk>::SetPenStyle(bool bPressureOn)
 {
     MV_LOG_PAD("SetPenStyle", "Enter, bPressureOn=%d", bPressureOn);
-    CallAndLogResult("SetPenStyle", this->fnSetPenStyle(), bPressureOn);
+    this->CallAndLogResult("SetPenStyle", this->fnSetPenStyle(), bPressureOn);
     MV_LOG_PAD("SetPenStyle", "Leave !");
 }
 
@@ -137,7 +93,7 @@ template <class Sdk>
 void SignObjModel<Sdk>::SetPenColor(int nR, int nG, int nB)
 {
     MV_LOG_PAD("SetPenColor", "Enter, nR=%d, nG=%d, nB=%d", nR, nG, nB);
-    CallAndLogResult("SetPenColor", this->fnSetPenColor(), nR, nG, nB);
+    this->CallAndLogResult("SetPenColor", this->fnSetPenColor(), nR, nG, nB);
     MV_LOG_PAD("SetPenColor", "Leave !");
 }
 
@@ -149,7 +105,7 @@ void SignObjModel<Sdk>::SetClip(int nWidth, int nHeight)
     if (nWidth < 0 || nHeight < 0)
         MV_LOG_PAD("SetClip", "after call m_pfn_%s(), nResult=%d", function.szName, -1);
     else
-        CallAndLogResult("SetClip", function, nWidth != 0 || nHeight != 0 ? 1 : 0, nWidth, nHeight);
+        this->CallAndLogResult("SetClip", function, nWidth != 0 || nHeight != 0 ? 1 : 0, nWidth, nHeight);
     MV_LOG_PAD("SetClip", "Leave !");
 }
 
@@ -159,7 +115,7 @@ int SignObjModel<Sdk>::GetDeviceConfirmOrCancelKeyStatus()
     MV_LOG_PAD("GetDeviceConfirmOrCancelKeyStatus", "Enter...");
     int nKeyStatus = -1;
     const auto function = this->fnGetDeviceConfirmOrCancelKeyStatus();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         nKeyStatus = function.pfn(Sdk::nDeviceID);
         MV_LOG_PAD("GetDeviceConfirmOrCancelKeyStatus", "after call m_pfn_%s(), nKeyStatus=%d", function.szName,
                    nKeyStatus);
@@ -175,7 +131,7 @@ QString SignObjModel<Sdk>::GetDeviceInfo(int nType)
     QString strResult = QStringLiteral("");
     int nResult = -1;
     const auto function = this->fnGetDeviceInfo();
-    if (IsBound(function) && IsDeviceInfoType(nType)) {
+    if (this->IsBound(function) && IsDeviceInfoType(nType)) {
         DeviceInfo info{};
         nResult = function.pfn(Sdk::nDeviceID, nType, &info);
         strResult = FormatDeviceInfo(nType, info); // whether or not the call succeeded
@@ -185,26 +141,15 @@ QString SignObjModel<Sdk>::GetDeviceInfo(int nType)
 }
 
 template <class Sdk>
-QString SignObjModel<Sdk>::ReadIdentifier(const char *operation, SdkFunction<int (*)(int, char *, int)> function)
-{
-    MV_LOG_PAD(operation, "Enter...");
-    char buffer[32] = {};
-    CallAndLogResult(operation, function, buffer, static_cast<int>(sizeof buffer));
-    const QString strResult = TextFromBuffer(buffer, sizeof buffer);
-    MV_LOG_PAD(operation, "Leave with strResult.length=%d", strResult.size());
-    return strResult;
-}
-
-template <class Sdk>
 QString SignObjModel<Sdk>::VersionID()
 {
-    return ReadIdentifier("VersionID", this->fnGetHWVersion());
+    return this->ReadIdentifier("VersionID", this->fnGetHWVersion());
 }
 
 template <class Sdk>
 QString SignObjModel<Sdk>::PadID()
 {
-    return ReadIdentifier("PadID", this->fnGetHWPadID());
+    return this->ReadIdentifier("PadID", this->fnGetHWPadID());
 }
 
 template <class Sdk>
@@ -213,7 +158,7 @@ QString SignObjModel<Sdk>::GetAboutInfo()
     MV_LOG_PAD("GetAboutInfo", "Enter...");
     char buffer[256] = {};
     const auto function = this->fnGetAboutInfo();
-    if (IsBound(function)) {
+    if (this->IsBound(function)) {
         function.pfn(Sdk::nDeviceID, buffer);
         MV_LOG_PAD("GetAboutInfo", "after call m_pfn_%s()", function.szName);
     }
@@ -231,7 +176,7 @@ QString SignObjModel<Sdk>::GetPointer()
     const auto getPoint = this->fnGetInkPointData();
     const auto getTime = this->fnGetInkPointDataTimeInfo();
     const auto freeTime = this->fnFreeInkPointDataTimeInfo();
-    for (int i = 0; IsBound(getPoint, getTime, freeTime) && i < nCount; ++i) {
+    for (int i = 0; this->IsBound(getPoint, getTime, freeTime) && i < nCount; ++i) {
         _STRUCT_INK_POINT_DATA point{};
         point.nIndex = i;
         const int nResult = getPoint.pfn(Sdk::nDeviceID, &point);
@@ -247,72 +192,36 @@ QString SignObjModel<Sdk>::GetPointer()
 }
 
 template <class Sdk>
-template <class Producer, class Produce>
-QString SignObjModel<Sdk>::ReadText(const char *operation, SdkFunction<Producer> producer,
-                                    SdkFunction<void (*)(int, char *)> release, Produce produce)
-{
-    QString strResult = QStringLiteral("");
-    if (IsBound(producer, release)) {
-        char *pText = produce(producer.pfn);
-        strResult = QString::fromUtf8(pText);
-        release.pfn(Sdk::nDeviceID, pText); // also when there is no text, on purpose
-        MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);
-    }
-    MV_LOG_PAD(operation, "Leave with strResult.length=%d", strResult.size());
-    return strResult;
-}
-
-template <class Sdk>
-template <class Producer, class Produce>
-QString SignObjModel<Sdk>::ReadChangedImage(const char *operation, ImageEvent event, QString &strLast,
-                                            SdkFunction<Producer> producer,
-                                            SdkFunction<void (*)(int, char *)> release, Produce produce)
-{
-    QString strResult = QStringLiteral("");
-    char *pText = IsBound(producer, release) ? produce(producer.pfn) : nullptr;
-    if (pText) {
-        QString strBase64 = QString::fromUtf8(pText);
-        release.pfn(Sdk::nDeviceID, pText);
-        MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);
-        if (strBase64 != strLast) {
-            strResult = ImageReply(event, strBase64);
-            strLast = std::move(strBase64);
-        }
-    }
-    MV_LOG_PAD(operation, "Leave with strResult.length=%d", strResult.size());
-    return strResult;
-}
-
-template <class Sdk>
 QString SignObjModel<Sdk>::Encode(int nType)
 {
     MV_LOG_PAD("Encode", "Enter, nType=%d", nType);
-    return ReadText("Encode", this->fnBase64Encode(), this->fnBase64EncodeFree(),
-                    [nType](auto encode) { return encode(Sdk::nDeviceID, nType); });
+    return this->ReadText("Encode", this->fnBase64Encode(), this->fnBase64EncodeFree(),
+                          [nType](auto encode) { return encode(Sdk::nDeviceID, nType); });
 }
 
 template <class Sdk>
 QString SignObjModel<Sdk>::GetSVGImageBase64Data()
 {
     MV_LOG_PAD("GetSVGImageBase64Data", "Enter");
-    return ReadText("GetSVGImageBase64Data", this->fnGetSVGImageBase64Data(), this->fnFreeSVGImageBase64Data(),
-                    [](auto getSvg) { return getSvg(Sdk::nDeviceID); });
+    return this->ReadText("GetSVGImageBase64Data", this->fnGetSVGImageBase64Data(), this->fnFreeSVGImageBase64Data(),
+                          [](auto getSvg) { return getSvg(Sdk::nDeviceID); });
 }
 
 template <class Sdk>
 QString SignObjModel<Sdk>::GetInks()
 {
     MV_LOG_PAD("GetInks", "Enter");
-    return ReadChangedImage("GetInks", ImageEvent::Ink, m_strLastInksBase64Content, this->fnBase64Encode(),
-                            this->fnBase64EncodeFree(), [](auto encode) { return encode(Sdk::nDeviceID, 3); });
+    return this->ReadChangedImage("GetInks", ImageEvent::Ink, m_strLastInksBase64Content, this->fnBase64Encode(),
+                                  this->fnBase64EncodeFree(), [](auto encode) { return encode(Sdk::nDeviceID, 3); });
 }
 
 template <class Sdk>
 QString SignObjModel<Sdk>::GetOpaqueInks()
 {
     MV_LOG_PAD("GetOpaqueInks", "Enter");
-    return ReadChangedImage("GetOpaqueInks", ImageEvent::Ink, m_strLastInksBase64Content, this->fnBase64EncodeEx(),
-                            this->fnBase64EncodeExFree(), [](auto encode) { return encode(Sdk::nDeviceID, 3, 0); });
+    return this->ReadChangedImage("GetOpaqueInks", ImageEvent::Ink, m_strLastInksBase64Content,
+                                  this->fnBase64EncodeEx(), this->fnBase64EncodeExFree(),
+                                  [](auto encode) { return encode(Sdk::nDeviceID, 3, 0); });
 }
 
 template <class Sdk>
@@ -320,8 +229,9 @@ QString SignObjModel<Sdk>::WPSGetInks()
 {
     // Goes through Base64EncodeEx on purpose, although the library has an encoder of its own for WPS.
     MV_LOG_PAD("WPSGetInks", "Enter");
-    return ReadChangedImage("WPSGetInks", ImageEvent::Ink, m_strLastInksBase64Content, this->fnBase64EncodeEx(),
-                            this->fnBase64EncodeExFree(), [](auto encode) { return encode(Sdk::nDeviceID, 2, 0); });
+    return this->ReadChangedImage("WPSGetInks", ImageEvent::Ink, m_strLastInksBase64Content, this->fnBase64EncodeEx(),
+                                  this->fnBase64EncodeExFree(),
+                                  [](auto encode) { return encode(Sdk::nDeviceID, 2, 0); });
 }
 
 template <class Sdk>
@@ -331,11 +241,11 @@ QString SignObjModel<Sdk>::Decode(int nType, QString strPath, QString strData)
                strData.size());
     QString strResult = QStringLiteral("");
     const auto decode = this->fnBase64Decode();
-    if (IsBound(decode)) {
+    if (this->IsBound(decode)) {
         // Always below /tmp, on purpose, even when the path is absolute already.
         m_strDecodeFilePath = QStringLiteral("/tmp/") + strPath;
-        CallAndLogResult("Decode", decode, nType, strData.toUtf8().constData(),
-                         m_strDecodeFilePath.toStdWString().c_str());
+        this->CallAndLogResult("Decode", decode, nType, strData.toUtf8().constData(),
+                               m_strDecodeFilePath.toStdWString().c_str());
         if (nType == 6)
             strResult = DecodedPoints();
     }
@@ -349,7 +259,7 @@ QString SignObjModel<Sdk>::DecodedPoints()
     enum Field { X = 1, Y = 2, StrokeEnd = 3 };
     const auto getCount = this->fnGetTotalDecodeInkPointsNumber();
     const auto getField = this->fnGetDecodeInkPointData();
-    if (!IsBound(getCount, getField))
+    if (!this->IsBound(getCount, getField))
         return QStringLiteral("");
     const int nCount = getCount.pfn(Sdk::nDeviceID);
     InkPointList points;
@@ -376,7 +286,7 @@ QString SignObjModel<Sdk>::SaveDrawImage(int nType, int nDPI, QString strPath)
     MV_LOG_PAD("SaveDrawImage", "Enter, nType=%d, nDPI=%d, strPath=%s", nType, nDPI, strPath.toUtf8().constData());
     QString strResult = QStringLiteral("");
     const auto save = this->fnSaveDrawingImage();
-    if (IsBound(save)) {
+    if (this->IsBound(save)) {
         if (!strPath.contains(QLatin1Char('/')))
             strPath.prepend(QLatin1String("/tmp/"));
         const int nResult = save.pfn(Sdk::nDeviceID, nType, strPath.toStdWString().c_str(), nDPI);
@@ -414,7 +324,7 @@ QString SignObjModel<Sdk>::ComposeWpsPicture(bool bEnableDateTime, const QString
     const WpsPicture picture(strName, bEnableDateTime ? strCurrentDateTime : QString(), drawing);
     const QSize text = picture.TextSize();
     const QSize canvas = picture.CanvasSize();
-    const char *const existing = !bEnableDateTime  ? "strName"
+    const char *const existing = !bEnableDateTime    ? "strName"
                                  : strName.isEmpty() ? "strCurrentDateTime"
                                                      : "strName and strCurrentDateTime";
     // These lines carry the name of another operation, on purpose.

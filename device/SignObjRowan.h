@@ -4,4 +4,6 @@
 
 MV_DEFINE_SDK_BINDING(Rowan, 4)
 
-class SignObjRowan : public SignObjModel<RowanSdk> {};
+class SignObjRowan : public SignObjModel<RowanSdk>
+{
+};

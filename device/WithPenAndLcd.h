@@ -3,7 +3,9 @@
 #include "device/SignObjModel.h"
 
 /// Adds what a pad with a pen identifier and a switchable LCD can do to a model.
-template <class Sdk> class WithPenAndLcd : public SignObjModel<Sdk> {
+template <class Sdk>
+class WithPenAndLcd : public SignObjModel<Sdk>
+{
 public:
     QString PenID() override { return this->ReadIdentifier("PenID", this->fnGetHWPenID()); }
 

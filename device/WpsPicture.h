@@ -7,7 +7,8 @@
 
 /// The picture that the WPS office suite puts into a document: the drawing, the signer's name above it and the date
 /// below it, all flush right on a transparent canvas. Needs a QGuiApplication; any thread. Sizes are in pixels.
-class WpsPicture {
+class WpsPicture
+{
 public:
     /// An empty name or date leaves its band out; a null drawing counts as 0 x 0.
     WpsPicture(const QString &strName, const QString &strDateTime, const QImage &drawing);

@@ -24,7 +24,8 @@ bool Flag(const QString &text)
     return Number(text) != 0;
 }
 
-template <class Parameter> Parameter FromText(const QString &text)
+template <class Parameter>
+Parameter FromText(const QString &text)
 {
     if constexpr (std::is_same_v<Parameter, int>)
         return Number(text);
@@ -34,7 +35,8 @@ template <class Parameter> Parameter FromText(const QString &text)
         return text;
 }
 
-template <class Result> QString ToText(Result result)
+template <class Result>
+QString ToText(Result result)
 {
     if constexpr (std::is_same_v<Result, QString>)
         return result;
@@ -67,7 +69,8 @@ Reply CallPad(WebSocketService &service, Result (SignObjManager::*operation)(Par
 
 /// A command that is one operation of the pad, with its values converted to what the operation takes. A command
 /// without parameters ignores the query.
-template <auto Operation> Reply Pad(WebSocketService &service, const Command &command, const QString &strMsg)
+template <auto Operation>
+Reply Pad(WebSocketService &service, const Command &command, const QString &strMsg)
 {
     return CallPad(service, Operation, command.keys[0] ? command.Values(strMsg) : QStringList());
 }

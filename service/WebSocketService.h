@@ -16,7 +16,8 @@ class SignObjManager;
 
 /// The WebSocket server: takes each request of its clients through the command table to the pad and replies to the
 /// sender. Lives on the service thread; requests are handled one at a time, to completion.
-class WebSocketService : public QObject {
+class WebSocketService : public QObject
+{
     Q_OBJECT
 
 public:

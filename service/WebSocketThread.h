@@ -7,7 +7,8 @@
 class WebSocketService;
 
 /// The thread that a service lives on. Its owner starts it, and to stop it calls quit(), waits for it and deletes it.
-class WebSocketThread : public QThread {
+class WebSocketThread : public QThread
+{
     Q_OBJECT
 
 public:

@@ -10,7 +10,8 @@ QString FileName()
 }
 
 /// Calls visit(key, field) for every setting, in the order of the file.
-template <class Settings, class Visitor> void ForEachSetting(Settings &settings, Visitor visit)
+template <class Settings, class Visitor>
+void ForEachSetting(Settings &settings, Visitor visit)
 {
     const auto visitApplication = [&visit](const QString &suffix, auto &application) {
         visit(QStringLiteral("EnableDateTime_") + suffix, application.bEnableDateTime);

@@ -36,7 +36,8 @@ struct Options {
 };
 
 /// One request on its way: connects, asks, prints the reply and ends the event loop with the exit status.
-class Exchange : public QObject {
+class Exchange : public QObject
+{
 public:
     explicit Exchange(const Options &options) : m_options(options)
     {

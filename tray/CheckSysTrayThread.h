@@ -4,7 +4,8 @@
 
 /// Waits for the desktop's system tray, which at log-in may come later than the program: asks 60 times, 500 ms apart,
 /// and answers with one SysTrayAvailable.
-class CheckSysTrayThread : public QThread {
+class CheckSysTrayThread : public QThread
+{
     Q_OBJECT
 
 public:

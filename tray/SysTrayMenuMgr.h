@@ -13,7 +13,8 @@ struct TrayTexts;
 
 /// The application object: waits for the tray, shows the icon and its menu, starts and stops the service, and keeps
 /// the tray settings. Main thread only.
-class SysTrayMenuMgr : public QObject {
+class SysTrayMenuMgr : public QObject
+{
     Q_OBJECT
 
 public:

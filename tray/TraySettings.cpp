@@ -18,7 +18,8 @@ QString AutoLaunchKey()
 }
 
 /// Calls visit(key, field) for every setting, in the order of the file.
-template <class Settings, class Visitor> void ForEachSetting(Settings &settings, Visitor visit)
+template <class Settings, class Visitor>
+void ForEachSetting(Settings &settings, Visitor visit)
 {
     visit(AutoLaunchKey(), settings.bAutoLaunch);
     visit(QStringLiteral("StartWebService"), settings.bStartWebService);
