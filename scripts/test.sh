@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Builds everything with warnings as errors and runs every test.
+#
+#   scripts/test.sh               on this machine, in build/
+#   scripts/test.sh --arch arm64  cross-built and emulated, in build-arm64/
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+case "$*" in
+    "") ;;
+    "--arch arm64") exec scripts/test-arm64.sh ;;
+    *)
+        echo "usage: scripts/test.sh [--arch arm64]" >&2
+        exit 2
+        ;;
+esac
+
+. scripts/packages.sh
+install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}"
+cmake -S . -B build -G Ninja
+cmake --build build
+ctest --test-dir build --output-on-failure --parallel "$(nproc)"
