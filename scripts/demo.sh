@@ -1,0 +1,125 @@
+#!/usr/bin/env bash
+# The main job from end to end, with the virtual pad: builds the service, captures a signature through real WebSocket
+# requests and leaves the pictures in demo-output/. Uses a HOME of its own.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+. scripts/packages.sh
+program=build/bin/mvsignpadsdk_wssvr
+output=$PWD/demo-output
+port=8089
+
+fail() {
+    echo "demo: $*" >&2
+    exit 1
+}
+
+if pgrep -f "${program##*/}" >/dev/null; then
+    fail "the service is running already; end it through its tray menu and try again."
+fi
+install_missing "${build_packages[@]}" "${desktop_packages[@]}"
+if (exec 3<>/dev/tcp/localhost/$port) 2>/dev/null; then
+    fail "another program listens on port $port."
+fi
+cmake -S . -B build -G Ninja -DBUILD_TESTING=OFF
+cmake --build build
+
+work=$(mktemp -d)
+started=()
+clean_up() {
+    local i
+    for ((i = ${#started[@]} - 1; i >= 0; i--)); do
+        kill "${started[i]}" 2>/dev/null && wait "${started[i]}" 2>/dev/null || true
+    done
+    rm -rf "$work"
+}
+trap clean_up EXIT
+
+# -- a desktop ------------------------------------------------------------------------------------------------------
+start_desktop() {
+    Xvfb -displayfd 3 -screen 0 1024x768x24 3>"$work/display" 2>/dev/null &
+    started+=($!)
+    for _ in {1..100}; do [ -s "$work/display" ] && break || sleep 0.1; done
+    [ -s "$work/display" ] || fail "Xvfb did not start."
+    DISPLAY=:$(cat "$work/display")
+    export DISPLAY
+    unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
+    trayer --edge bottom --align right --widthtype request --height 32 >/dev/null 2>&1 &
+    started+=($!)
+}
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    echo "demo: on the running desktop"
+else
+    echo "demo: no desktop here, on Xvfb with a tray"
+    start_desktop
+fi
+
+# -- the service ----------------------------------------------------------------------------------------------------
+export HOME=$work
+mkdir -p "$HOME/.config/mvsignpadsdk"
+printf '[Settings]\nStartWebService=true\nUILangID=3\nWebSocketPort=%s\n' "$port" \
+    >"$HOME/.config/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"
+MVSIGNPAD_VIRTUAL_WINDOW=0 "$program" &
+started+=($!)
+
+request() {
+    build/bin/mvsignctl --port "$port" --timeout 30 "$@"
+}
+for _ in {1..300}; do request GetSize >/dev/null 2>&1 && break || sleep 0.1; done
+request GetSize >/dev/null || fail "the service did not start; is there a system tray?"
+
+# Sends a request, prints it and its reply, each cut to a line, and leaves the result in $result.
+ask() {
+    local call=$1 line
+    shift
+    [ $# -gt 0 ] && call+="?$(IFS='&' && echo "$*")"
+    result=$(request "${call%%\?*}" "$@")
+    line=${result//$'\n'/ }
+    [ ${#line} -le 70 ] || line="${line:0:56}... (${#line} characters)"
+    printf '  %-62s -> %s\n' "$call" "$line"
+}
+# The picture inside the image reply in $result, decoded.
+picture() {
+    local image=${result#*\"Image\":\"}
+    base64 -d <<<"${image%%\"*}"
+}
+
+rm -rf "$output"
+mkdir "$output"
+
+echo "A signature on the Alder pad:"
+ask InitialDevice id=2 width=800 height=480
+ask SetPenColor R=20 G=40 B=120
+ask SetPenWidth Width=4
+key=-1
+for _ in {1..600}; do
+    key=$(request GetDeviceConfirmOrCancelKeyStatus)
+    [ -t 1 ] && printf '\r  signing: %s points ' "$(request GetSize)"
+    [ "$key" = -1 ] && sleep 0.1 || break
+done
+[ -t 1 ] && printf '\r'
+[ "$key" = 1 ] || fail "the signature was not confirmed."
+ask GetDeviceConfirmOrCancelKeyStatus
+ask GetSize
+ask GetPointer
+printf '%s\n' "$result" >"$output/points.json"
+ask GetInks
+picture >"$output/signature-transparent.png"
+ask SaveDrawingImage type=3 dpi=300 path="$work/signature.png"
+cp "$result" "$output/signature.png"
+ask GetSVGImageBase64Data
+base64 -d <<<"$result" >"$output/signature.svg"
+
+echo "A WPS signature with name and date:"
+ask UpdateWPSSettings id=1 dt=1 af=0 pw=4 name='Jane Doe 简'
+ask WPSSignConfirmed id=1
+cp "$result" "$output/wps-signature.png"
+
+echo "A fingerprint on the Cedar pad:"
+ask InitialDevice id=7 width=800 height=480
+ask GetFingerPrintImage FPImageOnly=1
+picture >"$output/fingerprint.png"
+ask UninitialDevice
+
+echo "The pictures are in $output:"
+(cd "$output" && for file in *; do [ -s "$file" ] || fail "$file is empty."; echo "  $file"; done)
