@@ -1,0 +1,153 @@
+#include "virtualpad/Pad.h"
+
+#include "virtualpad/BuiltInSignature.h"
+#include "virtualpad/Environment.h"
+
+#include <algorithm>
+
+namespace virtualpad {
+
+namespace {
+
+constexpr int kMsPerPoint = 1000 / kPointsPerSecond;
+
+bool isWithin(int value, int smallest, int largest)
+{
+    return smallest <= value && value <= largest;
+}
+
+bool isCanvas(const QSize &size)
+{
+    return isWithin(size.width(), 1, kMaxPadSide) && isWithin(size.height(), 1, kMaxPadSide);
+}
+
+} // namespace
+
+bool Pad::plugIn(int deviceId, const QSize &size)
+{
+    unplug();
+    const PadModel *const pModel = findPadModel(deviceId);
+    if (!pModel || !isCanvas(size))
+        return false;
+    m_pModel = pModel;
+    m_size = size;
+    m_fingerprintPlace = {size, QRect(size.width() * 3 / 4, size.height() / 2, size.width() / 4, size.height() / 2)};
+    m_speed = environmentSpeed();
+    m_ink = environmentNamesInk() ? environmentInk() : builtInSignature(size);
+    clear();
+    return true;
+}
+
+void Pad::unplug()
+{
+    *this = Pad();
+}
+
+void Pad::clear()
+{
+    m_writing.start();
+    m_reportedKey = NoKey;
+    m_reportedPoints = 0;
+}
+
+int Pad::inkCount() const
+{
+    if (m_speed == 0.0 || m_ink.isEmpty())
+        return m_ink.size();
+    // The first point is there one sampling step after the pad was emptied.
+    const double writtenMs = double(m_writing.nsecsElapsed()) / 1e6 * m_speed - kMsPerPoint + m_ink.first().timeMs;
+    const auto notYet = std::upper_bound(m_ink.begin(), m_ink.end(), writtenMs,
+                                         [](double time, const InkPoint &point) { return time < point.timeMs; });
+    return int(notYet - m_ink.begin());
+}
+
+const InkPoint *Pad::inkPoint(int index) const
+{
+    return isWithin(index, 0, inkCount() - 1) ? &m_ink[index] : nullptr;
+}
+
+KeyStatus Pad::keyStatus() const
+{
+    return !m_ink.isEmpty() && inkCount() == m_ink.size() ? ConfirmKey : NoKey;
+}
+
+ResultCode Pad::setPenWidth(int width)
+{
+    if (!isWithin(width, 1, kMaxPenWidth))
+        return BadArgument;
+    m_pen.width = width;
+    return Success;
+}
+
+ResultCode Pad::setPenColor(int red, int green, int blue)
+{
+    if (!isWithin(red, 0, 255) || !isWithin(green, 0, 255) || !isWithin(blue, 0, 255))
+        return BadArgument;
+    m_pen.color = QColor(red, green, blue);
+    return Success;
+}
+
+void Pad::setPenPressure(bool on)
+{
+    m_pen.pressure = on;
+}
+
+ResultCode Pad::setClip(bool enable, int marginX, int marginY)
+{
+    if (!isWithin(marginX, 0, kMaxClipMargin) || !isWithin(marginY, 0, kMaxClipMargin))
+        return BadArgument;
+    m_clip = enable ? std::optional<Clip>(Clip{marginX, marginY}) : std::nullopt;
+    return Success;
+}
+
+ResultCode Pad::setWpsCanvas(const QSize &canvas)
+{
+    if (!m_pModel->hasWpsCanvas || !isCanvas(canvas))
+        return BadArgument;
+    m_wpsCanvas = canvas;
+    return Success;
+}
+
+ResultCode Pad::setFingerprintPlace(const FingerprintPlace &place)
+{
+    const bool isOnCanvas =
+        isWithin(place.rect.x(), -kMaxPadSide, kMaxPadSide) && isWithin(place.rect.y(), -kMaxPadSide, kMaxPadSide);
+    if (!m_pModel->hasFingerprintSensor || !isCanvas(place.canvas) || !isCanvas(place.rect.size()) || !isOnCanvas)
+        return BadArgument;
+    m_fingerprintPlace = place;
+    return Success;
+}
+
+Drawing Pad::drawing() const
+{
+    return {m_size, m_ink.mid(0, inkCount()), m_pen, m_clip, m_wpsCanvas};
+}
+
+ResultCode Pad::setPictureCallback(int type, PictureCallback pfnPicture)
+{
+    if (!isWithin(type, BmpImage, InkData))
+        return BadArgument;
+    m_pictureType = type;
+    m_pfnPicture = pfnPicture;
+    return Success;
+}
+
+News Pad::takeNews()
+{
+    News news;
+    const KeyStatus key = keyStatus();
+    if (key != m_reportedKey) {
+        news.key = key;
+        news.pfnKey = key == NoKey ? nullptr : m_pfnKey;
+        m_reportedKey = key;
+    }
+    const int points = inkCount();
+    if (points != m_reportedPoints) {
+        news.pictureType = m_pictureType;
+        news.pfnPicture = m_pfnPicture;
+        m_reportedPoints = points;
+    }
+    return news;
+}
+
+} // namespace virtualpad

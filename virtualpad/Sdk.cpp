@@ -1,0 +1,485 @@
+// The C interface: every function once, exported under the names of all families. The device ID alone chooses the
+// pad, so MVAlder_Clear and MVBirch_Clear are one function.
+#include "sdk/SdkFunctions.h"
+#include "virtualpad/BuiltInSignature.h"
+#include "virtualpad/Environment.h"
+#include "virtualpad/Fingerprint.h"
+#include "virtualpad/InkText.h"
+#include "virtualpad/OutputFile.h"
+#include "virtualpad/SharedPad.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace virtualpad;
+
+namespace {
+
+constexpr int kAboutBufferBytes = 256;
+constexpr int kInfoBufferBytes = 256;
+
+/// What GetDeviceInfo can tell.
+enum InfoType {
+    ConnectedInfo = 1,    ///< flag
+    LcdSizeInfo = 2,      ///< width and height in pad pixels
+    SamplingInfo = 3,     ///< points per second, pad pixels per inch
+    PressureInfo = 4,     ///< the strongest pressure
+    ProductInfo = 5,      ///< text
+    SerialNumberInfo = 6, ///< text
+    VersionInfo = 7,      ///< major and minor number
+};
+
+/// What action(pad) returns, with the state locked; NoSuchPad when the device ID's pad is not plugged in.
+template <typename Action>
+int withPad(int deviceId, Action action)
+{
+    SharedPad &shared = SharedPad::instance();
+    const std::lock_guard<std::mutex> lock(shared.mutex);
+    if (!shared.pad.isPluggedIn(deviceId))
+        return NoSuchPad;
+    return action(shared.pad);
+}
+
+std::optional<Drawing> drawingOf(int deviceId)
+{
+    std::optional<Drawing> drawing;
+    withPad(deviceId, [&](Pad &pad) {
+        drawing = pad.drawing();
+        return Success;
+    });
+    return drawing;
+}
+
+/// The drawing in the wanted form, made anew only when something has changed since the last time.
+QByteArray pictureOf(const Drawing &drawing, const PictureOptions &options)
+{
+    SharedPad &shared = SharedPad::instance();
+    {
+        const std::lock_guard<std::mutex> lock(shared.mutex);
+        const LastPicture &last = shared.lastPicture;
+        if (last.options == options && last.drawing == drawing)
+            return last.encoded;
+    }
+    const QByteArray encoded = encodedDrawing(drawing, options);
+    const std::lock_guard<std::mutex> lock(shared.mutex);
+    shared.lastPicture = {drawing, options, encoded};
+    return encoded;
+}
+
+char *handOut(TextSource source, const QByteArray &text)
+{
+    SharedPad &shared = SharedPad::instance();
+    const std::lock_guard<std::mutex> lock(shared.mutex);
+    return shared.texts.handOut(source, text);
+}
+
+void takeBack(TextSource source, const char *pText)
+{
+    if (!pText)
+        return;
+    SharedPad &shared = SharedPad::instance();
+    const std::lock_guard<std::mutex> lock(shared.mutex);
+    if (!shared.texts.takeBack(source, pText))
+        complain(QStringLiteral("a text was given back twice, or through another text's free function"));
+}
+
+/// Null when there is nothing to hand out.
+char *handOutBase64(TextSource source, const QByteArray &data)
+{
+    return data.isEmpty() ? nullptr : handOut(source, data.toBase64());
+}
+
+char *handOutPicture(TextSource source, int deviceId, const PictureOptions &options)
+{
+    const std::optional<Drawing> drawing = drawingOf(deviceId);
+    return drawing ? handOutBase64(source, pictureOf(*drawing, options)) : nullptr;
+}
+
+int copyText(const QByteArray &text, char *pBuffer, int bufferBytes)
+{
+    if (!pBuffer || bufferBytes < 1)
+        return BadArgument;
+    const int length = std::min(text.size(), bufferBytes - 1);
+    std::copy_n(text.constData(), length, pBuffer);
+    pBuffer[length] = '\0';
+    return Success;
+}
+
+/// Copies the text of the pad, or the empty text when there is no such pad.
+template <typename TextOfPad>
+int copyPadText(int deviceId, char *pBuffer, int bufferBytes, TextOfPad textOfPad)
+{
+    QByteArray text;
+    const int result = withPad(deviceId, [&](Pad &pad) {
+        text = textOfPad(pad);
+        return Success;
+    });
+    const int copied = copyText(text, pBuffer, bufferBytes);
+    return result == Success ? copied : result;
+}
+
+using Numbers = std::array<int, 2>;
+
+/// Writes the pad's first `count` numbers, or zeros when there is no such pad.
+template <int count, typename NumbersOfPad>
+int copyNumbers(int deviceId, void *pOut, NumbersOfPad numbersOfPad)
+{
+    Numbers numbers{};
+    const int result = withPad(deviceId, [&](Pad &pad) {
+        numbers = numbersOfPad(pad);
+        return Success;
+    });
+    std::copy_n(numbers.begin(), count, static_cast<int *>(pOut));
+    return result;
+}
+
+/// Tells the callbacks what is new. They are called on the caller's thread with nothing locked: the pad has no thread
+/// of its own, and a callback may call back into the library.
+void deliverNews(int deviceId)
+{
+    News news;
+    withPad(deviceId, [&](Pad &pad) {
+        news = pad.takeNews();
+        return Success;
+    });
+    if (news.pfnPicture) {
+        PictureOptions options;
+        options.type = news.pictureType;
+        if (const std::optional<Drawing> drawing = drawingOf(deviceId))
+            news.pfnPicture(pictureOf(*drawing, options).toBase64().data());
+    }
+    if (news.pfnKey)
+        news.pfnKey(news.key);
+}
+
+/// Empty for a text with any character that is not of the alphabet.
+QByteArray decodedBase64(const char *pszBase64Data)
+{
+    const QByteArray text(pszBase64Data);
+    const bool isBase64 = std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' || c == '/'
+               || c == '=';
+    });
+    return isBase64 ? QByteArray::fromBase64(text) : QByteArray();
+}
+
+} // namespace
+
+// The functions themselves carry the table's prototypes.
+#define DECLARE(Model, name, result, parameters, ...) extern "C" result virtualpad_##name parameters;
+MV_SDK_FUNCTIONS(DECLARE, Any)
+
+bool virtualpad_InitialDevice(int nID, void *, int, int, int nWidth, int nHeight)
+{
+    SharedPad &shared = SharedPad::instance();
+    const std::lock_guard<std::mutex> lock(shared.mutex);
+    return shared.pad.plugIn(nID, QSize(nWidth, nHeight));
+}
+
+int virtualpad_UnInitialDevice(int nDeviceID)
+{
+    return withPad(nDeviceID, [](Pad &pad) {
+        pad.unplug();
+        return Success;
+    });
+}
+
+int virtualpad_OpenLCD(int nDeviceID, int bOpen)
+{
+    return withPad(nDeviceID, [=](Pad &pad) {
+        pad.lcdOn = bOpen != 0;
+        return Success;
+    });
+}
+
+void virtualpad_Clear(int nDeviceID)
+{
+    withPad(nDeviceID, [](Pad &pad) {
+        pad.clear();
+        return Success;
+    });
+}
+
+int virtualpad_GetHWPenID(int nDeviceID, char *pBuf, int nBufSize)
+{
+    return copyPadText(nDeviceID, pBuf, nBufSize, [](Pad &) { return QByteArray(kPenId); });
+}
+
+int virtualpad_GetHWPadID(int nDeviceID, char *pBuf, int nBufSize)
+{
+    return copyPadText(nDeviceID, pBuf, nBufSize, [](Pad &pad) { return pad.model().padId(); });
+}
+
+int virtualpad_GetHWVersion(int nDeviceID, char *pBuf, int nBufSize)
+{
+    return copyPadText(nDeviceID, pBuf, nBufSize, [](Pad &) { return versionText(); });
+}
+
+int virtualpad_DisplayHWVersion(int nDeviceID, bool bShow)
+{
+    return withPad(nDeviceID, [=](Pad &pad) {
+        pad.showsInformation = bShow;
+        return Success;
+    });
+}
+
+int virtualpad_SetPenStyle(int nDeviceID, bool bPressureOn)
+{
+    return withPad(nDeviceID, [=](Pad &pad) {
+        pad.setPenPressure(bPressureOn);
+        return Success;
+    });
+}
+
+int virtualpad_SetPenWidth(int nDeviceID, int nWidth)
+{
+    return withPad(nDeviceID, [=](Pad &pad) { return pad.setPenWidth(nWidth); });
+}
+
+int virtualpad_SetPenColor(int nDeviceID, int nR, int nG, int nB)
+{
+    return withPad(nDeviceID, [=](Pad &pad) { return pad.setPenColor(nR, nG, nB); });
+}
+
+int virtualpad_SetSaveClipImageMargin(int nDeviceID, int bEnable, int nWidth, int nHeight)
+{
+    return withPad(nDeviceID, [=](Pad &pad) { return pad.setClip(bEnable != 0, nWidth, nHeight); });
+}
+
+void virtualpad_SignPadEventCallback(int nDeviceID, void (*pfnEvent)(int))
+{
+    withPad(nDeviceID, [=](Pad &pad) {
+        pad.setKeyCallback(pfnEvent);
+        return Success;
+    });
+}
+
+bool virtualpad_SetRealTimeSignBase64DataCallback(int nDeviceID, int nType, void (*pfnSignBase64Data)(char *))
+{
+    return withPad(nDeviceID, [=](Pad &pad) { return pad.setPictureCallback(nType, pfnSignBase64Data); }) == Success;
+}
+
+int virtualpad_GetTotalInkPointsNumber(int nDeviceID)
+{
+    deliverNews(nDeviceID);
+    return std::max(0, withPad(nDeviceID, [](Pad &pad) { return pad.inkCount(); }));
+}
+
+int virtualpad_GetInkPointData(int nDeviceID, _STRUCT_INK_POINT_DATA *pPoint)
+{
+    if (!pPoint)
+        return BadArgument;
+    return withPad(nDeviceID, [=](Pad &pad) -> int {
+        const InkPoint *const pInk = pad.inkPoint(pPoint->nIndex);
+        if (!pInk)
+            return BadArgument;
+        pPoint->x = pInk->x;
+        pPoint->y = pInk->y;
+        pPoint->pressure = pInk->pressure;
+        pPoint->bStrokeEnd = pInk->strokeEnd ? 1 : 0;
+        return Success;
+    });
+}
+
+char *virtualpad_GetInkPointDataTimeInfo(int nDeviceID, int nIndex)
+{
+    QByteArray time;
+    withPad(nDeviceID, [&](Pad &pad) {
+        if (const InkPoint *const pInk = pad.inkPoint(nIndex))
+            time = QByteArray::number(pInk->timeMs);
+        return Success;
+    });
+    return time.isEmpty() ? nullptr : handOut(TextSource::PointTime, time);
+}
+
+void virtualpad_FreeInkPointDataTimeInfo(int, char *pText)
+{
+    takeBack(TextSource::PointTime, pText);
+}
+
+int virtualpad_GetDeviceConfirmOrCancelKeyStatus(int nDeviceID)
+{
+    deliverNews(nDeviceID);
+    // No pad and no key are the same -1.
+    return withPad(nDeviceID, [](Pad &pad) { return pad.keyStatus(); });
+}
+
+int virtualpad_GetDeviceInfo(int nDeviceID, int nType, void *pOut)
+{
+    if (!pOut)
+        return BadArgument;
+    char *const pText = static_cast<char *>(pOut);
+    switch (nType) {
+    case ConnectedInfo:
+        *static_cast<bool *>(pOut) = withPad(nDeviceID, [](Pad &) { return Success; }) == Success;
+        return Success;
+    case LcdSizeInfo:
+        return copyNumbers<2>(nDeviceID, pOut, [](Pad &pad) {
+            return Numbers{pad.size().width(), pad.size().height()};
+        });
+    case SamplingInfo:
+        return copyNumbers<2>(nDeviceID, pOut, [](Pad &) { return Numbers{kPointsPerSecond, kScreenDpi}; });
+    case PressureInfo:
+        return copyNumbers<1>(nDeviceID, pOut, [](Pad &) { return Numbers{kMaxPressure}; });
+    case ProductInfo:
+        return copyPadText(nDeviceID, pText, kInfoBufferBytes, [](Pad &pad) { return pad.model().productName(); });
+    case SerialNumberInfo:
+        return copyPadText(nDeviceID, pText, kInfoBufferBytes, [](Pad &pad) { return pad.model().padId(); });
+    case VersionInfo:
+        return copyNumbers<2>(nDeviceID, pOut, [](Pad &) { return Numbers{kVersionMajor, kVersionMinor}; });
+    default:
+        return BadArgument;
+    }
+}
+
+void virtualpad_AboutBox(int)
+{
+    complain(QString::fromLatin1(aboutText()));
+}
+
+void virtualpad_GetAboutInfo(int, char *pBuf)
+{
+    copyText(aboutText(), pBuf, kAboutBufferBytes);
+}
+
+char *virtualpad_Base64Encode(int nDeviceID, int nType)
+{
+    PictureOptions options;
+    options.type = nType;
+    return handOutPicture(TextSource::Base64Encode, nDeviceID, options);
+}
+
+void virtualpad_Base64EncodeFree(int, char *pText)
+{
+    takeBack(TextSource::Base64Encode, pText);
+}
+
+char *virtualpad_Base64EncodeEx(int nDeviceID, int nType, int)
+{
+    PictureOptions options;
+    options.type = nType;
+    options.opaque = true;
+    return handOutPicture(TextSource::Base64EncodeEx, nDeviceID, options);
+}
+
+void virtualpad_Base64EncodeExFree(int, char *pText)
+{
+    takeBack(TextSource::Base64EncodeEx, pText);
+}
+
+char *virtualpad_GetSVGImageBase64Data(int nDeviceID)
+{
+    PictureOptions options;
+    options.type = SvgImage;
+    return handOutPicture(TextSource::Svg, nDeviceID, options);
+}
+
+void virtualpad_FreeSVGImageBase64Data(int, char *pText)
+{
+    takeBack(TextSource::Svg, pText);
+}
+
+bool virtualpad_InitialWPSSignCanvas(int nDeviceID, int nWidth, int nHeight)
+{
+    return withPad(nDeviceID, [=](Pad &pad) { return pad.setWpsCanvas(QSize(nWidth, nHeight)); }) == Success;
+}
+
+char *virtualpad_WPSBase64Encode(int nDeviceID, int nType)
+{
+    PictureOptions options;
+    options.type = nType;
+    options.onCanvas = true;
+    return handOutPicture(TextSource::WpsBase64Encode, nDeviceID, options);
+}
+
+void virtualpad_WPSBase64EncodeFree(int, char *pText)
+{
+    takeBack(TextSource::WpsBase64Encode, pText);
+}
+
+int virtualpad_SetDisplayedFPImageAt(int nDeviceID, void *, int nCanvasWidth, int nCanvasHeight, int nFPLeft,
+                                     int nFPTop, int nFPWidth, int nFPHeight)
+{
+    const FingerprintPlace place{QSize(nCanvasWidth, nCanvasHeight), QRect(nFPLeft, nFPTop, nFPWidth, nFPHeight)};
+    return withPad(nDeviceID, [&](Pad &pad) { return pad.setFingerprintPlace(place); });
+}
+
+char *virtualpad_GetFPImageBase64Data(int nDeviceID, int nType, int bFPImageOnly)
+{
+    Drawing drawing;
+    FingerprintPlace place;
+    const int result = withPad(nDeviceID, [&](Pad &pad) {
+        drawing = pad.drawing();
+        place = pad.fingerprintPlace();
+        return pad.model().hasFingerprintSensor ? Success : BadArgument;
+    });
+    if (result != Success)
+        return nullptr;
+    const QImage image = fingerprintPicture(drawing, place, bFPImageOnly != 0, nType);
+    return handOutBase64(TextSource::Fingerprint, encodedImage(image, nType));
+}
+
+void virtualpad_FreeFPImageBase64Data(int, char *pText)
+{
+    takeBack(TextSource::Fingerprint, pText);
+}
+
+int virtualpad_SaveDrawingImage(int nDeviceID, int nType, const wchar_t *pwszFilePath, int nDPI)
+{
+    if (!pwszFilePath || nType < BmpImage || nType > InkData || nDPI < 1 || nDPI > kMaxDpi)
+        return BadArgument;
+    const std::optional<Drawing> drawing = drawingOf(nDeviceID);
+    if (!drawing)
+        return NoSuchPad;
+    PictureOptions options;
+    options.type = nType;
+    options.dpi = nDPI;
+    const QByteArray picture = pictureOf(*drawing, options);
+    if (picture.isEmpty())
+        return PictureTooLarge;
+    return writeOutputFile(pwszFilePath, picture) ? Success : CannotWrite;
+}
+
+int virtualpad_Base64Decode(int nDeviceID, int nType, const char *pszBase64Data, const wchar_t *pwszFilePath)
+{
+    if (!pszBase64Data || !pwszFilePath || nType < BmpImage || nType > InkData)
+        return BadArgument;
+    const QByteArray data = decodedBase64(pszBase64Data);
+    QString error;
+    const std::optional<Ink> ink = nType == InkData ? inkFromText(data, &error) : Ink();
+    const int result = withPad(nDeviceID, [&](Pad &pad) {
+        pad.decodedInk = ink.value_or(Ink());
+        return data.isEmpty() || !ink ? BadData : Success;
+    });
+    if (result != Success)
+        return result;
+    return writeOutputFile(pwszFilePath, data) ? Success : CannotWrite;
+}
+
+int virtualpad_GetTotalDecodeInkPointsNumber(int nDeviceID)
+{
+    return std::max(0, withPad(nDeviceID, [](Pad &pad) { return pad.decodedInk.size(); }));
+}
+
+int virtualpad_GetDecodeInkPointData(int nDeviceID, int nIndex, int nField)
+{
+    int value = 0;
+    withPad(nDeviceID, [&](Pad &pad) {
+        if (nIndex < 0 || nIndex >= pad.decodedInk.size())
+            return BadArgument;
+        const InkPoint &point = pad.decodedInk[nIndex];
+        value = nField == 1 ? point.x : nField == 2 ? point.y : nField == 3 && point.strokeEnd ? 1 : 0;
+        return Success;
+    });
+    return value;
+}
+
+#define EXPORT(Model, name, result, parameters, ...)                                                                   \
+    MV_SDK_IF_MODEL_HAS(Model, __VA_ARGS__,                                                                            \
+                        extern "C" __attribute__((visibility("default"), alias("virtualpad_" #name)))                  \
+                        result MV##Model##_##name parameters;)
+MV_SDK_FUNCTIONS(EXPORT, Alder)
+MV_SDK_FUNCTIONS(EXPORT, Birch)
+MV_SDK_FUNCTIONS(EXPORT, Cedar)
+MV_SDK_FUNCTIONS(EXPORT, Maple)
+MV_SDK_FUNCTIONS(EXPORT, Rowan)
