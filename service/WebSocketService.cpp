@@ -12,7 +12,11 @@
 #include <QMutex>
 #include <QMutexLocker>
 #include <QWebSocket>
+#include <QWebSocketCorsAuthenticator>
 #include <QWebSocketServer>
+
+#include <cstdio>
+#include <utility>
 
 WebSocketService *g_pWebSocketService = nullptr;
 
@@ -35,16 +39,15 @@ QString ReplyEnvelope(const QString &strAPI, const QString &strResult)
 
 } // namespace
 
-WebSocketService::WebSocketService(quint16 port, QObject *parent)
+WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy accessPolicy)
     : QObject(parent), m_pWebSocketServer(new QWebSocketServer(QStringLiteral("MVSignPadSDK - WebSocketServer"),
                                                                QWebSocketServer::NonSecureMode, this)),
-      m_nPort(port)
+      m_nPort(port), m_accessPolicy(std::move(accessPolicy))
 {
     static const char tag[] = "WebSocketService::WebSocketService()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, m_nPort=%d", m_nPort);
     m_WPSSettings.LoadWPSSettingsFromConfigureFile();
-    // Every interface, although the URL that it serves says "localhost": on purpose.
-    if (m_pWebSocketServer->listen(QHostAddress::Any, port)) {
+    if (Listen()) {
         connect(m_pWebSocketServer, &QWebSocketServer::newConnection, this, &WebSocketService::onNewConnection);
         connect(m_pWebSocketServer, &QWebSocketServer::closed, this, &WebSocketService::closed);
         m_strServiceUrl = QStringLiteral("%1%2%3")
@@ -74,6 +77,28 @@ WebSocketService::~WebSocketService()
     m_pSignObjMgr.reset();
     m_pWebSocketServer->close();
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
+}
+
+bool WebSocketService::Listen()
+{
+    if (!m_accessPolicy.bServesAnybody)
+        return false;
+    if (m_accessPolicy.LooksAtOrigins())
+        connect(m_pWebSocketServer, &QWebSocketServer::originAuthenticationRequired, this,
+                &WebSocketService::CheckOrigin);
+    // By default every interface, although the URL that it serves says "localhost": on purpose.
+    const bool bListening =
+        m_pWebSocketServer->listen(m_accessPolicy.listenAddress.value_or(QHostAddress::Any), m_nPort);
+    if (!bListening && m_accessPolicy.listenAddress)
+        std::fprintf(stderr,
+                     "mvsignpadsdk_wssvr: the service stays closed: it cannot listen at the ListenAddress: %s\n",
+                     m_pWebSocketServer->errorString().toLocal8Bit().constData());
+    return bListening;
+}
+
+void WebSocketService::CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const
+{
+    pAuthenticator->setAllowed(m_accessPolicy.AllowsOrigin(pAuthenticator->origin()));
 }
 
 void WebSocketService::SetupMVSignPadSDKAPINameList()

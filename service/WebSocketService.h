@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/AccessPolicy.h"
 #include "service/WpsSettings.h"
 
 #include <QByteArray>
@@ -11,6 +12,7 @@
 #include <memory>
 
 class QWebSocket;
+class QWebSocketCorsAuthenticator;
 class QWebSocketServer;
 class SignObjManager;
 
@@ -21,8 +23,8 @@ class WebSocketService : public QObject
     Q_OBJECT
 
 public:
-    /// Listens on every interface. When the port cannot be had the object exists, but serves nobody.
-    explicit WebSocketService(quint16 port, QObject *parent = nullptr);
+    /// Listens where the policy says. When the port cannot be had the object exists, but serves nobody.
+    explicit WebSocketService(quint16 port, QObject *parent = nullptr, AccessPolicy accessPolicy = {});
     /// Deletes the clients first, then the manager, which closes the pad, then stops listening.
     ~WebSocketService() override;
 
@@ -48,6 +50,8 @@ private Q_SLOTS:
     void socketDisconnected();
 
 private:
+    bool Listen();
+    void CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const;
     void SetupMVSignPadSDKAPINameList();
     int RecognisedCommand(const QString &strMsg) const;
     QString ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg);
@@ -57,6 +61,7 @@ private:
     QWebSocketServer *m_pWebSocketServer; // child of the service
     QList<QWebSocket *> m_clients;        // owned, in the order of connection
     quint16 m_nPort;
+    AccessPolicy m_accessPolicy;
     QString m_strServiceUrl; // what every request must begin with
     QStringList m_APINameList;
     std::unique_ptr<SignObjManager> m_pSignObjMgr;

@@ -3,8 +3,10 @@
 #include "app/Logging.h"
 #include "service/WebSocketService.h"
 
-WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort)
-    : QThread(parent), m_nWebSocketPort(nWebSocketPort)
+#include <utility>
+
+WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy)
+    : QThread(parent), m_nWebSocketPort(nWebSocketPort), m_accessPolicy(std::move(accessPolicy))
 {
     static const char tag[] = "WebSocketThread::WebSocketThread()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, nWebSocketPort=%d", nWebSocketPort);
@@ -26,7 +28,8 @@ void WebSocketThread::run()
 {
     static const char tag[] = "WebSocketThread::run()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    m_pWebSocketService = std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort));
+    m_pWebSocketService =
+        std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort), nullptr, m_accessPolicy);
     MV_LOG_INSIDE_THREAD(tag, "b4 call exec()...");
     exec();
     // The thread that owns this object deletes the service: its sockets must not wait for this one's event loop.

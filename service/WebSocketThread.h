@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/AccessPolicy.h"
+
 #include <QThread>
 
 #include <memory>
@@ -12,7 +14,7 @@ class WebSocketThread : public QThread
     Q_OBJECT
 
 public:
-    WebSocketThread(QObject *parent, int nWebSocketPort);
+    WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy = {});
     /// Deletes the service, on the deleting thread. The thread must have ended.
     ~WebSocketThread() override;
 
@@ -22,4 +24,5 @@ protected:
 private:
     std::unique_ptr<WebSocketService> m_pWebSocketService;
     int m_nWebSocketPort;
+    AccessPolicy m_accessPolicy;
 };

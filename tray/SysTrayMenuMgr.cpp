@@ -2,6 +2,7 @@
 
 #include "app/Logging.h"
 #include "service/WebSocketThread.h"
+#include "tray/AccessSettings.h"
 #include "tray/CheckSysTrayThread.h"
 #include "tray/DesktopVariant.h"
 #include "tray/TrayTexts.h"
@@ -126,7 +127,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     static const char tag[] = "SysTrayMenuMgr::OpenWebSocketService()";
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
     if (bOpenService) {
-        m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort);
+        m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy());
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
     } else if (m_pWebSocketThread) {

@@ -7,11 +7,6 @@
 
 namespace {
 
-QString FileName()
-{
-    return QStringLiteral("MVSignPadSDK_WSSvr");
-}
-
 QString AutoLaunchKey()
 {
     return QStringLiteral("AutoLaunch");
@@ -31,9 +26,14 @@ void ForEachSetting(Settings &settings, Visitor visit)
 
 } // namespace
 
+QString TraySettingsFileName()
+{
+    return QStringLiteral("MVSignPadSDK_WSSvr");
+}
+
 void TraySettings::Load(int nOSProductID)
 {
-    const SettingsFile file(FileName());
+    const SettingsFile file(TraySettingsFileName());
     ForEachSetting(*this, [&file](const QString &key, auto &field) { file.Load(key, field); });
     // The stored value only says that the user has chosen once; the entry on disk is the truth. Without the key the
     // default stays, even beside an entry: on purpose.
@@ -43,6 +43,6 @@ void TraySettings::Load(int nOSProductID)
 
 void TraySettings::Save() const
 {
-    SettingsFile file(FileName());
+    SettingsFile file(TraySettingsFileName());
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
 }

@@ -1,6 +1,9 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
+
+/// The application name of the tray settings file.
+QString TraySettingsFileName();
 
 /// The persisted tray settings. Main thread only.
 struct TraySettings {

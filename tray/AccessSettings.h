@@ -1,0 +1,7 @@
+#pragma once
+
+#include "service/AccessPolicy.h"
+
+/// Reads the group "Access" of the tray settings file, which only an administrator writes. A group that is not
+/// understood in full serves nobody, and one line on standard error says why. Any thread.
+AccessPolicy LoadAccessPolicy();
