@@ -28,5 +28,5 @@ private:
     QImage m_drawing;
     QFont m_font;
     int m_nLineHeight = 0;
-    QSize m_textSize;
+    QSize m_textSize{0, 0};
 };
