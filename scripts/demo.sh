@@ -56,6 +56,8 @@ fi
 
 # -- the service ----------------------------------------------------------------------------------------------------
 export HOME=$work
+: "${XDG_RUNTIME_DIR:=$work}"
+export XDG_RUNTIME_DIR
 mkdir -p "$HOME/.config/mvsignpadsdk"
 printf '[Settings]\nStartWebService=true\nUILangID=3\nWebSocketPort=%s\n' "$port" \
     >"$HOME/.config/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"
@@ -111,7 +113,7 @@ ask GetSVGImageBase64Data
 base64 -d <<<"$result" >"$output/signature.svg"
 
 echo "A WPS signature with name and date:"
-ask UpdateWPSSettings id=1 dt=1 af=0 pw=4 name='Jane Doe 简'
+ask UpdateWPSSettings id=1 dt=1 af=0 pw=4 name='Lena Vale 简'
 ask WPSSignConfirmed id=1
 cp "$result" "$output/wps-signature.png"
 

@@ -17,6 +17,6 @@ esac
 
 . scripts/packages.sh
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}"
-cmake -S . -B build -G Ninja
+cmake -S . -B build -G Ninja -DBUILD_TESTING=ON
 cmake --build build
 ctest --test-dir build --output-on-failure --parallel "$(nproc)"
