@@ -1,0 +1,374 @@
+// The page's own course: connect, open the pad, follow the pen, confirm or cancel.
+(() => {
+  'use strict';
+
+  const { SignPad, SignPadError, Model, KeyStatus } = globalThis.MVSignPad;
+  const { t, onLanguage, translatePage, switchLanguage, toggleTheme, stored, store, extras, log, result, strokesOf,
+    InkView, STRONGEST_PRESSURE } = globalThis.Demo;
+  const find = (id) => document.getElementById(id);
+
+  const PAD_SIZE = { width: 800, height: 480 };
+  const CONNECT_TIMEOUT_MS = 5_000;
+  const RETRY_MS = 3_000;
+  const TURN_NOTICE_MS = 150;
+  const TRANSPARENT_PNG = 3;
+  const COLORS = { Black: '#101418', Blue: '#1846b8', Red: '#b3202a', Green: '#14713f' };
+
+  const view = new InkView(find('ink'));
+  let pad = null;
+  let wish = null; // aborted when the wish to be connected ends
+  let session = null; // {decided: AbortController} while signing; aborted with 'confirm', 'cancel' or 'leave'
+  let shownInk = [];
+  let stopwatch = null; // {first, last} in milliseconds: when the first and the latest ink came
+
+  // ---- What the page says ------------------------------------------------------------------------------------------
+
+  /** Keeps what was said by its key, so that a switch of the language says it again. */
+  const said = { status: null, notice: null, service: ['stateConnecting', 'connecting'] };
+
+  function renderWords() {
+    const { status, notice, service: [stateKey, lamp] } = said;
+    find('status').textContent = status ? t(...status) : '';
+    find('service-state').textContent = t(stateKey);
+    find('lamp').dataset.state = lamp;
+    const wishesThisPort = wish?.port === find('port').valueAsNumber;
+    find('connect').textContent = t(!wishesThisPort ? 'connect' : pad?.connected ? 'disconnect' : 'stopTrying');
+    find('notice').hidden = !notice;
+    if (!notice) return;
+    find('notice').dataset.tone = notice.tone ?? 'calm';
+    find('notice-title').textContent = t(`${notice.name}Title`, notice.values);
+    find('notice-text').textContent = notice.words ?? t(`${notice.name}Text`, notice.values);
+    find('notice-action').hidden = !notice.action;
+    if (notice.action) find('notice-action').textContent = t(notice.action);
+  }
+
+  function say(changes) {
+    Object.assign(said, changes);
+    renderWords();
+    renderButtons();
+  }
+
+  const idleNotice = () => ({ name: 'idle', action: 'start', act: sign });
+
+  const status = (key, values) => say({ status: key ? [key, values] : null });
+
+  // ---- Choices -----------------------------------------------------------------------------------------------------
+
+  function radio(group, value, key, checked) {
+    const label = document.createElement('label');
+    const input = Object.assign(document.createElement('input'), { type: 'radio', name: group, value, checked });
+    const words = document.createElement('span');
+    if (key) words.dataset.t = key;
+    words.textContent = key ? t(key) : value;
+    label.append(input, words);
+    return label;
+  }
+
+  function buildChoices() {
+    const model = stored('model') ?? 'Alder';
+    find('models').append(...Object.keys(Model).map((name) => radio('model', name, null, name === model)));
+    find('colors').append(...Object.entries(COLORS).map(([name, color], index) => {
+      const label = radio('color', color, `color${name}`, index === 0);
+      label.style.setProperty('--swatch', color);
+      return label;
+    }));
+  }
+
+  const chosenModel = () => document.querySelector('input[name=model]:checked')?.value ?? 'Alder';
+
+  const chosenPen = () => ({
+    width: find('pen-width').valueAsNumber,
+    color: document.querySelector('input[name=color]:checked').value,
+    pressure: find('pen-pressure').checked,
+  });
+
+  function rgb(color) {
+    const value = Number.parseInt(color.slice(1), 16);
+    return { r: value >> 16, g: (value >> 8) & 255, b: value & 255 };
+  }
+
+  async function applyPen() {
+    const pen = chosenPen();
+    find('pen-width-value').textContent = pen.width;
+    view.pen = pen;
+    if (!session?.isOpen) return;
+    await pad.setPenWidth(pen.width);
+    await pad.setPenColor(rgb(pen.color));
+    await pad.setPenStyle(pen.pressure);
+  }
+
+  // ---- The connection ----------------------------------------------------------------------------------------------
+
+  const FAILURES = {
+    'service-not-running': { name: 'absent', service: ['stateAbsent', 'bad'] },
+    'permission-denied': { name: 'refused', service: ['stateRefused', 'bad'] },
+    timeout: { name: 'silent', service: ['stateAbsent', 'bad'] },
+  };
+
+  const sleep = (milliseconds, signal) => new Promise((resolve) => {
+    const timer = setTimeout(resolve, milliseconds);
+    signal.addEventListener('abort', () => {
+      clearTimeout(timer);
+      resolve();
+    });
+  });
+
+  /** Tries until it works or the wish ends. */
+  async function connect() {
+    disconnect();
+    const port = find('port').valueAsNumber;
+    const { signal } = wish = Object.assign(new AbortController(), { port });
+    store('port', port);
+    const values = { url: `ws://localhost:${port}/` };
+    say({ service: ['stateConnecting', 'connecting'], notice: { name: 'connecting', values } });
+    while (!signal.aborted) {
+      try {
+        return adopt(await SignPad.connect({ port, signal, timeout: CONNECT_TIMEOUT_MS }));
+      } catch (error) {
+        if (signal.aborted) return;
+        const { name, service } = FAILURES[error.code] ?? FAILURES['service-not-running'];
+        say({ service, notice: { name, values, tone: 'bad', action: 'tryAgain', act: connect } });
+      }
+      await sleep(RETRY_MS, signal);
+    }
+  }
+
+  function adopt(connected) {
+    if (wish.signal.aborted) return connected.close();
+    pad = connected;
+    pad.addEventListener('message', ({ detail }) => log.add(detail));
+    pad.addEventListener('disconnect', () => {
+      extras.update({ pad: null, isOpen: false });
+      say({ service: ['stateLost', 'bad'] });
+      renderButtons();
+    });
+    pad.addEventListener('reconnecting', ({ detail: { attempt, delay } }) => say({
+      notice: { name: 'lost', tone: 'bad', values: { attempt, seconds: (delay / 1000).toFixed(1) } },
+    }));
+    pad.addEventListener('reconnect', ready);
+    ready();
+  }
+
+  function ready() {
+    extras.update({ pad });
+    say({
+      service: ['stateConnected', 'good'],
+      notice: idleNotice(),
+      status: ['statusConnected', { url: pad.url }],
+    });
+    renderButtons();
+  }
+
+  function disconnect() {
+    session?.decided.abort('leave');
+    wish?.abort();
+    wish = null;
+    pad?.close();
+    pad = null;
+    extras.update({ pad: null, isOpen: false });
+    say({ service: ['stateClosed', 'off'], notice: { name: 'closed', action: 'connect', act: connect }, status: null });
+    renderButtons();
+  }
+
+  // ---- Signing -----------------------------------------------------------------------------------------------------
+
+  /** Tabs of one origin take turns at the one pad. Pages from file:// have no common locks and cannot. */
+  async function inTurn(signal, work) {
+    const canTakeTurns = await navigator.locks?.query().then(() => true, () => false);
+    if (!canTakeTurns) return work();
+    const timer = setTimeout(() => say({
+      notice: { name: 'waiting', action: 'stopWaiting', act: () => session.decided.abort('cancel') },
+    }), TURN_NOTICE_MS);
+    const begin = () => {
+      clearTimeout(timer);
+      return work();
+    };
+    return navigator.locks.request('signature-pad', { signal }, begin).finally(() => clearTimeout(timer));
+  }
+
+  async function sign() {
+    if (session || !pad?.connected) return;
+    session = { decided: new AbortController(), isOpen: false };
+    renderButtons();
+    try {
+      await inTurn(session.decided.signal, follow);
+    } catch (error) {
+      explain(error);
+    } finally {
+      session = null;
+      find('paper-hint').hidden = true;
+      renderButtons();
+    }
+  }
+
+  async function follow() {
+    await openPad();
+    const { signal } = session.decided;
+    const decision = await followPen(signal) ?? signal.reason;
+    if (decision === 'confirm') await collect();
+    if (decision === 'cancel') await discard();
+  }
+
+  async function openPad() {
+    say({ notice: null, status: ['statusOpening'] });
+    showInk([]);
+    result.show(null);
+    extras.update({ isOpen: false, signature: null });
+    await pad.open({ model: Model[chosenModel()], ...PAD_SIZE });
+    session.isOpen = true;
+    await applyPen();
+    await pad.clear();
+    extras.update({ isOpen: true });
+    find('paper-hint').hidden = false;
+    status('statusSigning');
+    await showFacts();
+  }
+
+  /** Returns what a key of the pad decided, undefined when the page decided. */
+  async function followPen(signal) {
+    let seen = 0;
+    for await (const { points, key } of pad.watch({ signal })) {
+      if (points.length < seen && !session.isClearing) status('statusTaken');
+      seen = points.length;
+      showInk(points);
+      const decision = { [KeyStatus.confirm]: 'confirm', [KeyStatus.cancel]: 'cancel' }[key];
+      if (decision === 'confirm' && seen === 0) await refuseEmpty();
+      else if (decision) return decision;
+    }
+  }
+
+  /** Clearing releases the pad's key, so that it can be pressed again. */
+  async function refuseEmpty() {
+    await pad.clear();
+    status('statusEmpty');
+  }
+
+  async function collect() {
+    const points = await pad.getPointer();
+    const png = await pad.encode(TRANSPARENT_PNG);
+    const pngWhite = await pad.getOpaqueInks();
+    const svg = await pad.getSVGImageBase64Data();
+    showInk(points);
+    result.show({ points, png, pngWhite, svg });
+    extras.update({ signature: { points } });
+    status('statusConfirmed', { points: points.length, strokes: strokesOf(points) });
+    find('result').scrollIntoView({ block: 'nearest', behavior: 'smooth' });
+  }
+
+  async function discard() {
+    await pad.clear();
+    await pad.uninitialDevice();
+    showInk([]);
+    extras.update({ isOpen: false });
+    say({ status: ['statusCancelled'], notice: idleNotice() });
+  }
+
+  async function clear() {
+    session.isClearing = true;
+    await pad.clear();
+    showInk([]);
+    status('statusCleared');
+    session.isClearing = false;
+  }
+
+  function explain(error) {
+    const decision = session?.decided.signal.reason;
+    if (decision === 'leave') return;
+    if (decision === 'cancel') return say({ status: ['statusCancelled'], notice: idleNotice() });
+    if (!(error instanceof SignPadError)) throw error;
+    if (error.code === 'connection-lost') return status(null); // the connection speaks for itself
+    const name = error.code === 'pad-missing' ? (session?.isOpen ? 'padGone' : 'padMissing') : 'failed';
+    extras.update({ isOpen: false });
+    say({
+      status: null,
+      notice: { name, tone: 'bad', action: 'start', act: sign, values: { model: chosenModel() },
+        words: name === 'failed' ? error.message : undefined },
+    });
+  }
+
+  // ---- What the page shows -----------------------------------------------------------------------------------------
+
+  function showInk(points) {
+    view.show(points);
+    if (points.length === 0) stopwatch = null;
+    else stopwatch = { first: stopwatch?.first ?? performance.now(), last: performance.now() };
+    if (points.length > 0) find('paper-hint').hidden = true;
+    shownInk = points;
+    renderGauges();
+    renderButtons();
+  }
+
+  function renderGauges() {
+    const strokes = strokesOf(shownInk);
+    const last = shownInk.at(-1);
+    find('gauge-points').textContent = shownInk.length;
+    find('gauge-strokes').textContent = strokes;
+    find('gauge-pressure').value = last && !last.strokeEnd ? last.pressure / STRONGEST_PRESSURE : 0;
+    find('gauge-time').textContent =
+      t('seconds', { value: (stopwatch ? (stopwatch.last - stopwatch.first) / 1000 : 0).toFixed(1) });
+    find('ink').setAttribute('aria-label',
+      last ? t('paperInk', { strokes, points: shownInk.length }) : t('paperEmpty'));
+  }
+
+  function renderButtons() {
+    const isEmpty = shownInk.length === 0;
+    find('start').hidden = session !== null || said.notice !== null;
+    find('live').hidden = !session?.isOpen;
+    find('models').disabled = session !== null;
+    find('clear').disabled = find('confirm').disabled = !session?.isOpen || isEmpty;
+    find('cancel').disabled = !session;
+  }
+
+  async function showFacts() {
+    const facts = [
+      ['factVersion', await pad.versionID()], ['factPad', await pad.padID()], ['factPen', await pad.penID()],
+      ['factAbout', await pad.getAboutInfo()],
+    ];
+    find('facts').replaceChildren(...facts.flatMap(([key, value]) => {
+      const term = Object.assign(document.createElement('dt'), { textContent: t(key) });
+      term.dataset.t = key;
+      return [term, Object.assign(document.createElement('dd'), { textContent: value || '–' })];
+    }));
+  }
+
+  // ---- Start -------------------------------------------------------------------------------------------------------
+
+  globalThis.Demo.radio = radio;
+  buildChoices();
+  extras.start();
+  const port = Number(new URLSearchParams(location.search).get('port') ?? stored('port'));
+  if (port > 0) find('port').value = port;
+  find('ink').style.aspectRatio = `${PAD_SIZE.width} / ${PAD_SIZE.height}`;
+  view.size = PAD_SIZE;
+  onLanguage(renderWords);
+  onLanguage(renderGauges);
+
+  find('language').addEventListener('click', switchLanguage);
+  find('theme').addEventListener('click', toggleTheme);
+  find('service').addEventListener('submit', (event) => {
+    event.preventDefault();
+    connect();
+  });
+  find('connect').addEventListener('click', () => {
+    if (wish?.port === find('port').valueAsNumber) disconnect();
+    else if (find('service').reportValidity()) connect();
+  });
+  find('port').addEventListener('input', renderWords);
+  find('start').addEventListener('click', sign);
+  find('clear').addEventListener('click', () => clear().catch(explain));
+  find('cancel').addEventListener('click', () => session?.decided.abort('cancel'));
+  find('confirm').addEventListener('click', () => session?.decided.abort('confirm'));
+  find('notice-action').addEventListener('click', () => said.notice?.act());
+  find('models').addEventListener('change', () => {
+    store('model', chosenModel());
+    extras.update({ model: chosenModel(), isOpen: false });
+  });
+  for (const id of ['pen-width', 'colors', 'pen-pressure']) {
+    find(id).addEventListener('input', () => applyPen().catch(explain));
+  }
+
+  extras.update({ model: chosenModel(), size: PAD_SIZE });
+  translatePage();
+  applyPen();
+  connect();
+})();

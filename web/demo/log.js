@@ -1,0 +1,77 @@
+// The list of requests and replies.
+(() => {
+  'use strict';
+
+  const { t, onLanguage } = globalThis.Demo;
+  const LONGEST_LIST = 500;
+  const LONGEST_TEXT = 300;
+  const POLLS = new Set(['GetSize', 'GetPointer', 'GetDeviceConfirmOrCancelKeyStatus', 'IsValid']);
+
+  const list = document.getElementById('log');
+  const showPolls = document.getElementById('log-polls');
+  let entries = [];
+
+  const apiOf = ({ direction, text }) =>
+    (direction === 'sent' ? /\/MVSignSDK\/(\w+)/ : /"API":"(\w+)"/).exec(text)?.[1];
+
+  const clock = (date) =>
+    `${date.toTimeString().slice(0, 8)}.${String(date.getMilliseconds()).padStart(3, '0')}`;
+
+  function cell(className, text) {
+    const element = document.createElement('span');
+    element.className = className;
+    element.textContent = text;
+    return element;
+  }
+
+  function line({ time, direction, text }) {
+    const item = document.createElement('li');
+    item.dataset.direction = direction;
+    const mark = cell('direction', direction === 'sent' ? '→' : '←');
+    mark.setAttribute('aria-label', t(direction === 'sent' ? 'logSent' : 'logReceived'));
+    mark.setAttribute('role', 'img');
+    const rest = text.length > LONGEST_TEXT ? ` ${t('logMore', { count: text.length })}` : '';
+    item.append(cell('clock', clock(time)), mark, cell('text', text.slice(0, LONGEST_TEXT) + rest));
+    return item;
+  }
+
+  const isShown = (entry) => showPolls.checked || !POLLS.has(apiOf(entry));
+
+  function updateCount() {
+    document.getElementById('log-count').textContent = t('logCount', { count: entries.length });
+  }
+
+  function add(detail) {
+    const entry = { ...detail, time: new Date() };
+    entries.push(entry);
+    if (entries.length > LONGEST_LIST) entries.shift();
+    updateCount();
+    if (!isShown(entry)) return;
+    const atEnd = list.scrollTop + list.clientHeight > list.scrollHeight - 8;
+    list.append(line(entry));
+    if (list.childElementCount > LONGEST_LIST) list.firstElementChild.remove();
+    if (atEnd) list.scrollTop = list.scrollHeight;
+  }
+
+  function rebuild() {
+    list.replaceChildren(...entries.filter(isShown).map(line));
+    list.scrollTop = list.scrollHeight;
+    updateCount();
+  }
+
+  function save() {
+    const lines = entries.map(({ time, direction, text }) =>
+      `${time.toISOString()} ${direction === 'sent' ? '->' : '<-'} ${text}\n`);
+    globalThis.Demo.saveFile(new Blob(lines, { type: 'text/plain' }), 'signature-log.txt');
+  }
+
+  showPolls.addEventListener('change', rebuild);
+  onLanguage(rebuild);
+  document.getElementById('log-save').addEventListener('click', save);
+  document.getElementById('log-clear').addEventListener('click', () => {
+    entries = [];
+    rebuild();
+  });
+
+  globalThis.Demo.log = { add };
+})();
