@@ -72,16 +72,13 @@ void appendCurve(Samples *pLine, const Sample &from, const Sample &bend, const S
     for (int i = 1; i <= steps; ++i) {
         const qreal share = qreal(i) / steps;
         const Sample sample = between(between(from, bend, share), between(bend, to, share), share);
-        Sample &last = pLine->last();
-        if (distance(sample.position, last.position) > 1e-3)
+        if (distance(sample.position, pLine->last().position) > 1e-3)
             pLine->append(sample);
-        else
-            last.radius = std::max(last.radius, sample.radius);
     }
 }
 
 /// The stroke's middle line. It runs through the middles between neighbouring points and bends at the points:
-/// whole-pixel coordinates make no corners that way.
+/// whole-pixel coordinates make no corners that way. Where the pen stood still it is a single dot.
 Samples middleLine(const Samples &points)
 {
     Samples line{points.first()};
@@ -91,6 +88,10 @@ Samples middleLine(const Samples &points)
     }
     const Sample from = line.last();
     appendCurve(&line, from, points.last(), points.last());
+    if (line.size() == 1) {
+        for (const Sample &point : points)
+            line.first().radius = std::max(line.first().radius, point.radius);
+    }
     return line;
 }
 

@@ -31,7 +31,10 @@ bool Pad::plugIn(int deviceId, const QSize &size)
         return false;
     m_pModel = pModel;
     m_size = size;
-    m_fingerprintPlace = {size, QRect(size.width() * 3 / 4, size.height() / 2, size.width() / 4, size.height() / 2)};
+    const QSize fingerprint = QSize(size.width() / 4, size.height() / 2).expandedTo(QSize(1, 1));
+    m_fingerprintPlace = {
+        size,
+        QRect(QPoint(size.width(), size.height()) - QPoint(fingerprint.width(), fingerprint.height()), fingerprint)};
     m_speed = environmentSpeed();
     m_ink = environmentNamesInk() ? environmentInk() : builtInSignature(size);
     clear();
