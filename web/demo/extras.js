@@ -80,6 +80,7 @@
     const image = await now.pad.getFingerPrintImage(find('fingerprint-only').checked);
     if (image) {
       find('fingerprint-picture').src = image.dataURL;
+      find('fingerprint-picture').alt = t('fingerprintAlt');
       find('fingerprint-picture').hidden = false;
     }
     fingerprintStatus(image ? 'fingerprintGot' : 'fingerprintNone');

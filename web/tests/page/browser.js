@@ -1,0 +1,82 @@
+// The demo page in the system's Chromium, from file:// and from a web server of the test's own.
+import { once } from 'node:events';
+import { readFile } from 'node:fs/promises';
+import http from 'node:http';
+import https from 'node:https';
+import path from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { chromium } from 'playwright-core';
+
+export const WEB = fileURLToPath(new URL('../..', import.meta.url));
+export const FILE_PAGE = new URL('../../demo/index.html', import.meta.url).href;
+const CONTENT_TYPES = { '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.svg': 'image/svg+xml' };
+
+export const startBrowser = (args = []) => chromium.launch({
+  executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+  args: ['--no-sandbox', '--disable-gpu', '--disable-background-networking', ...args],
+});
+
+/** A plain web server for the folder web/; `tls`: {key, cert} for https. */
+export async function servePage(tls) {
+  const handle = async (request, response) => {
+    const file = path.join(WEB, path.normalize(new URL(request.url, 'http://page').pathname));
+    try {
+      const body = await readFile(file);
+      response.writeHead(200, { 'Content-Type': CONTENT_TYPES[path.extname(file)] }).end(body);
+    } catch {
+      response.writeHead(404).end();
+    }
+  };
+  const server = (tls ? https.createServer(tls, handle) : http.createServer(handle)).listen(0, '127.0.0.1');
+  await once(server, 'listening');
+  const { port } = server.address();
+  return {
+    port,
+    page: `http${tls ? 's' : ''}://127.0.0.1:${port}/demo/index.html`,
+    stop: () => new Promise((resolve) => {
+      server.closeAllConnections();
+      server.close(resolve);
+    }),
+  };
+}
+
+/** Opens the page for a service at the port. `errors` fills with what no page should do. */
+export async function openPage(context, url, port) {
+  const page = await context.newPage();
+  const errors = [];
+  page.on('pageerror', (error) => errors.push(String(error)));
+  page.on('request', (request) => {
+    const own = ['data:', 'blob:', new URL('..', url).href].some((start) => request.url().startsWith(start));
+    if (!own) errors.push(`request to ${request.url()}`);
+  });
+  page.on('console', (message) => {
+    const refused = /WebSocket connection to .* failed/.test(message.text());
+    if (message.type() === 'error' && !refused) errors.push(message.text());
+  });
+  await page.goto(`${url}?port=${port}`);
+  return { page, errors };
+}
+
+/** What a picture of the page holds: its size and the box around its ink, in its own pixels. */
+export const inkOf = (page, selector) => page.locator(selector).evaluate((element) => {
+  const canvas = document.createElement('canvas');
+  const width = canvas.width = element.naturalWidth ?? element.width;
+  const height = canvas.height = element.naturalHeight ?? element.height;
+  const context = canvas.getContext('2d');
+  context.drawImage(element, 0, 0);
+  const { data } = context.getImageData(0, 0, width, height);
+  const box = { left: width, top: height, right: -1, bottom: -1 };
+  let pixels = 0;
+  for (let at = 0; at < data.length; at += 4) {
+    const isInk = data[at + 3] > 127 && data[at] + data[at + 1] + data[at + 2] < 384;
+    if (!isInk) continue;
+    const x = (at / 4) % width;
+    const y = Math.floor(at / 4 / width);
+    pixels += 1;
+    box.left = Math.min(box.left, x);
+    box.right = Math.max(box.right, x);
+    box.top = Math.min(box.top, y);
+    box.bottom = Math.max(box.bottom, y);
+  }
+  return { width, height, pixels, box };
+});

@@ -1,0 +1,368 @@
+// The demo page in real Chromium against the real program with the virtual pad.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { mkdir, mkdtemp, readFile, rm, stat, writeFile } from 'node:fs/promises';
+import { tmpdir } from 'node:os';
+import path from 'node:path';
+import { after, before, describe, test } from 'node:test';
+import WebSocket from 'ws';
+import { SignPad } from '../../signpad.js';
+import { FILE_PAGE, inkOf, openPage, servePage, startBrowser } from './browser.js';
+import { freePort, startDesktop, startService, until } from './desktop.js';
+
+const OUTPUT = process.env.MVSIGNPAD_TEST_OUTPUT;
+const ENGLISH = { locale: 'en-US', viewport: { width: 1280, height: 900 } };
+const CHINESE = { ...ENGLISH, locale: 'zh-CN' };
+
+// Two strokes in a corner: an upright line at x 100 and a level one at y 300.
+const POINTS = JSON.stringify([
+  ...[0, 1, 2, 3].map((i) => ({ x: 100, y: 100 + i * 50, strokeEnd: i === 3 })),
+  ...[0, 1, 2, 3].map((i) => ({ x: 200 + i * 50, y: 300, strokeEnd: i === 3 })),
+].map(({ x, y, strokeEnd }, i) => ({
+  Time: String(i * 100), bStrokeEnd: strokeEnd ? '1' : '0', pressure: '800', x: String(x), y: String(y),
+})));
+
+let desktop;
+let browser;
+let web;
+let directory;
+let inkFile;
+
+before(async () => {
+  directory = await mkdtemp(path.join(tmpdir(), 'signpad-page-'));
+  inkFile = path.join(directory, 'ink.json');
+  await writeFile(inkFile, POINTS);
+  [desktop, browser, web] = await Promise.all([startDesktop(), startBrowser(), servePage()]);
+});
+
+after(async () => {
+  await browser?.close();
+  await web?.stop();
+  await desktop?.stop();
+  await rm(directory, { recursive: true, force: true });
+});
+
+/** A service for one test. */
+async function service(t, options = {}) {
+  const port = options.port ?? await freePort();
+  const running = await startService(desktop, { ...options, port });
+  t.after(() => running.stop());
+  return { port, ...running };
+}
+
+/** The page in a browser window of the test's own; at the end it must have done nothing that no page should do. */
+async function visit(t, url, port, settings = ENGLISH) {
+  const context = await browser.newContext(settings);
+  const { page, errors } = await openPage(context, url, port);
+  t.after(async () => {
+    await context.close();
+    assert.deepEqual(errors, []);
+  });
+  return page;
+}
+
+const button = (page, name) => page.getByRole('button', { name, exact: true });
+const status = (page) => page.locator('#status');
+const says = (page, text) => status(page).filter({ hasText: text }).waitFor();
+const notice = (page, title) => page.getByRole('heading', { name: title, exact: true }).waitFor();
+const points = async (page) => Number(await page.locator('#gauge-points').textContent());
+
+async function keepScreenshot(page, name, options) {
+  if (!OUTPUT) return;
+  await mkdir(OUTPUT, { recursive: true });
+  await page.screenshot({ path: path.join(OUTPUT, name), ...options });
+}
+
+async function download(page) {
+  const [file] = await Promise.all([
+    page.waitForEvent('download'), page.getByRole('link', { name: 'Download' }).click(),
+  ]);
+  return { name: file.suggestedFilename(), bytes: await readFile(await file.path()) };
+}
+
+describe('a whole capture', () => {
+  for (const [from, url] of [['file://', () => FILE_PAGE], ['http://', () => web.page]]) {
+    test(`from ${from}: live preview, the pad's key, every format`, async (t) => {
+      const { port } = await service(t);
+      const page = await visit(t, url(), port);
+      await button(page, 'Start signing').click();
+      await until(async () => await points(page) > 150, 'ink in the preview');
+      const early = await inkOf(page, '#ink');
+      assert.ok(await points(page) < 600, 'the preview shows the ink while it is written');
+      assert.ok(early.pixels > 500);
+      await keepScreenshot(page, `page-signing-${from.slice(0, 4)}.png`);
+
+      await says(page, 'Signed: 600 points in 4 strokes.');
+      const { width, height, pixels } = await inkOf(page, '#ink');
+      assert.ok(pixels > early.pixels * 1.5);
+      assert.ok(Math.abs(width - height * 800 / 480) <= 1, `${width} × ${height}`);
+
+      await page.getByRole('tab', { name: 'PNG', exact: true, selected: true }).waitFor();
+      await page.getByText('800 × 480 pixels').waitFor();
+      const picture = await inkOf(page, '#picture');
+      assert.equal(`${picture.width} × ${picture.height}`, '800 × 480');
+      assert.ok(picture.pixels > 5000 && picture.pixels < 20_000, `${picture.pixels} pixels of ink`);
+      const png = await download(page);
+      assert.equal(png.name, 'signature.png');
+      assert.equal(png.bytes.subarray(0, 8).toString('latin1'), '\x89PNG\r\n\x1a\n');
+      await page.locator('#result').scrollIntoViewIfNeeded();
+      await keepScreenshot(page, `page-signed-${from.slice(0, 4)}.png`, { fullPage: true });
+
+      await page.getByRole('tab', { name: 'PNG on white' }).click();
+      await until(async () => (await inkOf(page, '#picture')).pixels > 5000, 'the picture on white');
+      assert.equal((await download(page)).name, 'signature-white.png');
+
+      await page.getByRole('tab', { name: 'SVG' }).click();
+      const svg = await download(page);
+      assert.equal(svg.name, 'signature.svg');
+      assert.match(svg.bytes.toString(), /^<svg xmlns="http:\/\/www\.w3\.org\/2000\/svg" width="800" height="480"/);
+
+      await page.getByRole('tab', { name: 'Points' }).click();
+      assert.equal(await page.locator('#points-rows tr').count(), 600);
+      const json = JSON.parse((await download(page)).bytes);
+      assert.equal(json.length, 600);
+      assert.equal(json.filter(({ strokeEnd }) => strokeEnd).length, 4);
+      assert.deepEqual(Object.keys(json[0]).sort(), ['pressure', 'strokeEnd', 'time', 'x', 'y']);
+    });
+  }
+
+  test('the picture, the preview and the points show the same ink', async (t) => {
+    const { port } = await service(t, { virtual: { INK: inkFile, SPEED: '0' } });
+    const page = await visit(t, web.page, port);
+    await page.getByRole('slider', { name: 'Width' }).fill('10');
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 8 points in 2 strokes.');
+    await page.getByText('800 × 480 pixels').waitFor();
+    const { box } = await inkOf(page, '#picture');
+    for (const [side, value] of Object.entries({ left: 95, top: 95, right: 355, bottom: 305 })) {
+      assert.ok(Math.abs(box[side] - value) <= 3, `${side} is ${box[side]}`);
+    }
+    const preview = await inkOf(page, '#ink');
+    const scale = preview.width / 800;
+    for (const [side, value] of Object.entries({ left: 95, top: 95, right: 355, bottom: 305 })) {
+      assert.ok(Math.abs(preview.box[side] / scale - value) <= 3, `${side} of the preview is ${preview.box[side]}`);
+    }
+  });
+
+  test('by keyboard alone, confirmed on the page before the pad does', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0.2' } });
+    const page = await visit(t, web.page, port);
+    await notice(page, 'Ready to sign');
+    const focusOn = (name) => until(async () => {
+      await page.keyboard.press('Tab');
+      return await page.evaluate(() => document.activeElement.textContent.trim()) === name;
+    }, `the focus to reach ${name}`);
+    await page.locator('input[name=model]:checked').focus();
+    await page.keyboard.press('ArrowRight');
+    await focusOn('Start signing');
+    await page.keyboard.press('Enter');
+    await until(async () => await points(page) > 20, 'ink');
+    await focusOn('Confirm');
+    await page.keyboard.press('Enter');
+    await says(page, /^Signed: \d+ points/);
+    assert.ok(await points(page) < 600);
+    await page.locator('#facts').getByText('VP-BIRCH').waitFor();
+    await page.getByRole('tab', { name: 'PNG', exact: true }).focus();
+    await page.keyboard.press('ArrowRight');
+    await page.getByRole('tab', { name: 'PNG on white', selected: true }).waitFor();
+  });
+});
+
+describe('on the way to a signature', () => {
+  test('cancelling leaves no signature and releases the pad', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0.2' } });
+    const page = await visit(t, web.page, port);
+    await button(page, 'Start signing').click();
+    await until(async () => await points(page) > 10, 'ink');
+    await button(page, 'Cancel').click();
+    await says(page, 'Cancelled.');
+    await notice(page, 'Ready to sign');
+    assert.equal(await page.locator('#result').isVisible(), false);
+    assert.equal((await inkOf(page, '#ink')).pixels, 0);
+    const pad = await SignPad.connect({ port, WebSocket });
+    assert.equal(await pad.isValid(), false);
+    pad.close();
+    await button(page, 'Start signing').click();
+    await until(async () => await points(page) > 10, 'ink again');
+  });
+
+  test('clearing empties the pad, and signing goes on', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0.5' } });
+    const page = await visit(t, web.page, port);
+    await button(page, 'Start signing').click();
+    await until(async () => await points(page) > 60, 'ink');
+    await button(page, 'Clear').click();
+    await until(async () => await points(page) < 30, 'an empty pad');
+    await until(async () => await points(page) > 60, 'ink again');
+  });
+
+  test('a service that stops in the middle is told, and found again when it is back', async (t) => {
+    const first = await service(t, { virtual: { SPEED: '0.2' } });
+    const page = await visit(t, web.page, first.port);
+    await button(page, 'Start signing').click();
+    await until(async () => await points(page) > 10, 'ink');
+    await first.stop('SIGKILL');
+    await notice(page, 'The connection was lost');
+    await page.getByText('Connecting again…').waitFor();
+    assert.equal(await button(page, 'Confirm').isDisabled(), true);
+    await keepScreenshot(page, 'page-lost.png');
+    await service(t, { port: first.port });
+    await notice(page, 'Ready to sign');
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+  });
+
+  test('an absent service is told, and found when it comes', async (t) => {
+    const port = await freePort();
+    const page = await visit(t, FILE_PAGE, port);
+    await notice(page, 'The signature service is not running');
+    await page.getByText(`Nothing answers at ws://localhost:${port}/`).waitFor();
+    await keepScreenshot(page, 'page-absent.png');
+    await service(t, { port });
+    await notice(page, 'Ready to sign');
+  });
+
+  test('a missing pad is told', async (t) => {
+    const { port } = await service(t, { hasPad: false });
+    const page = await visit(t, web.page, port);
+    await page.getByText('Rowan', { exact: true }).click();
+    await button(page, 'Start signing').click();
+    await notice(page, 'No Rowan pad found');
+  });
+});
+
+describe('two tabs', () => {
+  test('of one site take turns', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0.6' } });
+    const context = await browser.newContext(ENGLISH);
+    t.after(() => context.close());
+    const [{ page: first }, { page: second }] = [
+      await openPage(context, web.page, port), await openPage(context, web.page, port)];
+    await button(first, 'Start signing').click();
+    await until(async () => await points(first) > 20, 'ink in the first tab');
+    await button(second, 'Start signing').click();
+    await notice(second, 'Another tab is signing');
+    assert.equal(await points(second), 0);
+    await says(first, 'Signed: 600 points in 4 strokes.');
+    await says(second, 'Signed: 600 points in 4 strokes.');
+  });
+
+  test('that know nothing of each other get their own replies', async (t) => {
+    const { port } = await service(t);
+    const first = await visit(t, web.page, port);
+    const second = await visit(t, FILE_PAGE, port);
+    await button(first, 'Start signing').click();
+    await until(async () => await points(first) > 250, 'ink in the first tab');
+    await button(second, 'Start signing').click();
+    await says(first, 'Another page cleared or reopened the pad.');
+    await Promise.all([first, second].map((page) => says(page, 'Signed: 600 points in 4 strokes.')));
+  });
+});
+
+describe('beside the signing', () => {
+  test('WPS settings are kept and the picture is made', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0' } });
+    const page = await visit(t, web.page, port);
+    await page.getByText('Spreadsheet').click();
+    await page.getByLabel("Signer's name").fill('<b>李明</b>');
+    await page.getByLabel('Stamp date and time').check();
+    await button(page, 'Save settings').click();
+    await page.getByText('The settings are saved.').waitFor();
+    const file = path.join(desktop.home, '.config/mvsignpadsdk/MVeSign_WPS.conf');
+    assert.match(await readFile(file, 'utf8'), /^EnableDateTime_ET=true$/m);
+    await page.reload();
+    await page.getByText('Spreadsheet').click();
+    await until(async () => await page.getByLabel("Signer's name").inputValue() === '<b>李明</b>', 'the saved name');
+
+    assert.equal(await button(page, 'Make the picture').isDisabled(), true);
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+    await button(page, 'Make the picture').click();
+    await page.locator('#wps-status').getByText('/tmp/MVeSignWPS_dt_name.png').waitFor();
+    assert.ok((await stat('/tmp/MVeSignWPS_dt_name.png')).size > 1000);
+
+    await page.getByLabel("Signer's name").fill('A&B');
+    await button(page, 'Save settings').click();
+    await page.getByText('The name must not contain "&" or "=".').waitFor();
+
+    await page.getByText('Requests and replies').click();
+    await page.locator('#log').getByText('\\"Name\\":\\"<b>李明</b>\\"').first().waitFor();
+    assert.equal(await page.locator('b').count(), 0);
+  });
+
+  test('the Cedar pad has a fingerprint', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0' } });
+    const page = await visit(t, web.page, port);
+    assert.equal(await page.getByText('Fingerprint', { exact: true }).isVisible(), false);
+    await page.getByText('Cedar', { exact: true }).click();
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+    await button(page, 'Show on the pad').click();
+    await page.getByText('The pad shows the fingerprint in its lower right corner.').waitFor();
+    await button(page, 'Fetch the fingerprint').click();
+    await page.getByText('The fingerprint is there.').waitFor();
+    await until(async () => (await inkOf(page, '#fingerprint-picture')).pixels > 500, 'the fingerprint');
+    await button(page, 'Fetch the fingerprint').click();
+    await page.getByText('No fingerprint, or the same one as before.').waitFor();
+  });
+
+  test('the page speaks the language of the browser, and the other one on request', async (t) => {
+    const { port } = await service(t);
+    const page = await visit(t, web.page, port, { ...CHINESE, colorScheme: 'dark' });
+    await notice(page, '可以签名了');
+    await button(page, '开始签名').click();
+    await says(page, '签名完成：4 笔，600 个点。');
+    await page.getByText('800 × 480 像素').waitFor();
+    await keepScreenshot(page, 'page-chinese.png', { fullPage: true });
+    await button(page, 'Switch to English').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+    assert.equal(await page.evaluate(() => document.documentElement.lang), 'en');
+    await page.reload();
+    await notice(page, 'Ready to sign');
+  });
+
+  test('a narrow screen needs no sideways scrolling', async (t) => {
+    const { port } = await service(t);
+    const page = await visit(t, web.page, port, { ...ENGLISH, viewport: { width: 390, height: 800 } });
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+    assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 390);
+    await keepScreenshot(page, 'page-narrow.png', { fullPage: true });
+  });
+});
+
+describe("the browser's permission for the local network", () => {
+  /** A browser that takes the page's web server for a public one. */
+  async function distantPage(t, server, permissions) {
+    const other = await startBrowser([`--ip-address-space-overrides=127.0.0.1:${server.port}=public`]);
+    t.after(() => other.close());
+    const context = await other.newContext({ ...ENGLISH, ignoreHTTPSErrors: true });
+    await context.grantPermissions(permissions, { origin: new URL(server.page).origin });
+    return context;
+  }
+
+  async function secureServer(t) {
+    const [key, cert] = ['key.pem', 'cert.pem'].map((name) => path.join(directory, name));
+    execFileSync('openssl', ['req', '-x509', '-newkey', 'rsa:2048', '-nodes', '-subj', '/CN=127.0.0.1', '-days', '1',
+      '-keyout', key, '-out', cert], { stdio: 'ignore' });
+    const server = await servePage({ key: await readFile(key), cert: await readFile(cert) });
+    t.after(() => server.stop());
+    return server;
+  }
+
+  test('when refused, is told apart from an absent service', async (t) => {
+    const { port } = await service(t);
+    const { page } = await openPage(await distantPage(t, web, []), web.page, port);
+    await notice(page, 'The browser does not let this page through');
+    await page.getByText('Not permitted').waitFor();
+  });
+
+  test('when granted, lets an https page in', async (t) => {
+    const { port } = await service(t, { virtual: { SPEED: '0' } });
+    const server = await secureServer(t);
+    const { page } = await openPage(await distantPage(t, server, ['local-network-access']), server.page, port);
+    assert.equal(await page.evaluate(() => location.protocol), 'https:');
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+  });
+});
