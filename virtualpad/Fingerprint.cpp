@@ -111,7 +111,7 @@ QRectF fitted(const QRectF &frame)
 QImage fingerprintPicture(const Drawing &drawing, const FingerprintPlace &place, bool fingerprintOnly, int type)
 {
     Drawing onCanvas = drawing;
-    onCanvas.canvas = fingerprintOnly ? place.rect.size() : place.canvas;
+    onCanvas.canvas = fingerprintOnly ? place.size : place.canvas;
     if (fingerprintOnly)
         onCanvas.ink.clear();
     PictureOptions options;
@@ -122,7 +122,8 @@ QImage fingerprintPicture(const Drawing &drawing, const FingerprintPlace &place,
         return image;
     QPainter painter(&image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(fitted(fingerprintOnly ? QRectF(image.rect()) : QRectF(place.rect)), fingerprintImage());
+    painter.drawImage(fitted(fingerprintOnly ? QRectF(image.rect()) : QRectF(place.position, place.size)),
+                      fingerprintImage());
     return image;
 }
 

@@ -31,10 +31,10 @@ bool Pad::plugIn(int deviceId, const QSize &size)
         return false;
     m_pModel = pModel;
     m_size = size;
+    // Unless told otherwise, the fingerprint stands in the lower right corner.
     const QSize fingerprint = QSize(size.width() / 4, size.height() / 2).expandedTo(QSize(1, 1));
-    m_fingerprintPlace = {
-        size,
-        QRect(QPoint(size.width(), size.height()) - QPoint(fingerprint.width(), fingerprint.height()), fingerprint)};
+    m_fingerprintPlace = {size, QPoint(size.width() - fingerprint.width(), size.height() - fingerprint.height()),
+                          fingerprint};
     m_speed = environmentSpeed();
     m_ink = environmentNamesInk() ? environmentInk() : builtInSignature(size);
     clear();
@@ -113,9 +113,9 @@ ResultCode Pad::setWpsCanvas(const QSize &canvas)
 
 ResultCode Pad::setFingerprintPlace(const FingerprintPlace &place)
 {
-    const bool isOnCanvas =
-        isWithin(place.rect.x(), -kMaxPadSide, kMaxPadSide) && isWithin(place.rect.y(), -kMaxPadSide, kMaxPadSide);
-    if (!m_pModel->hasFingerprintSensor || !isCanvas(place.canvas) || !isCanvas(place.rect.size()) || !isOnCanvas)
+    const bool isOnCanvas = isWithin(place.position.x(), -kMaxPadSide, kMaxPadSide)
+                            && isWithin(place.position.y(), -kMaxPadSide, kMaxPadSide);
+    if (!m_pModel->hasFingerprintSensor || !isCanvas(place.canvas) || !isCanvas(place.size) || !isOnCanvas)
         return BadArgument;
     m_fingerprintPlace = place;
     return Success;

@@ -400,7 +400,8 @@ void virtualpad_WPSBase64EncodeFree(int, char *pText)
 int virtualpad_SetDisplayedFPImageAt(int nDeviceID, void *, int nCanvasWidth, int nCanvasHeight, int nFPLeft,
                                      int nFPTop, int nFPWidth, int nFPHeight)
 {
-    const FingerprintPlace place{QSize(nCanvasWidth, nCanvasHeight), QRect(nFPLeft, nFPTop, nFPWidth, nFPHeight)};
+    const FingerprintPlace place{QSize(nCanvasWidth, nCanvasHeight), QPoint(nFPLeft, nFPTop),
+                                 QSize(nFPWidth, nFPHeight)};
     return withPad(nDeviceID, [&](Pad &pad) { return pad.setFingerprintPlace(place); });
 }
 

@@ -195,20 +195,27 @@ private Q_SLOTS:
         file.write(inkText(kTwoStrokes));
         QVERIFY(file.flush());
         qputenv("MVSIGNPAD_VIRTUAL_INK", file.fileName().toLocal8Bit());
+        const double appearAtMs[] = {2.5, 52.5, 102.5, 452.5, 502.5};
+        QElapsedTimer sinceBefore;
+        sinceBefore.start();
         QVERIFY(pad.initialise(400, 300));
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(pad.GetTotalInkPointsNumber(2), 0);
-        QTest::qSleep(20); // 40 ms of the recording: the first point alone
-        QCOMPARE(pad.GetTotalInkPointsNumber(2), 1);
-        QTest::qSleep(180); // 400 ms: between the strokes
-        if (timer.elapsed() > 400)
-            QSKIP("this machine is too busy to measure time");
-        QCOMPARE(pad.GetTotalInkPointsNumber(2), 3);
-        QCOMPARE(pad.GetDeviceConfirmOrCancelKeyStatus(2), -1);
-        QTRY_COMPARE_WITH_TIMEOUT(pad.GetTotalInkPointsNumber(2), 5, 2000);
-        QVERIFY(timer.elapsed() >= 500);
-        QCOMPARE(pad.GetDeviceConfirmOrCancelKeyStatus(2), 1);
+        QElapsedTimer sinceAfter;
+        sinceAfter.start();
+        const auto pointsAt = [&](const QElapsedTimer &timer) {
+            const double ms = double(timer.nsecsElapsed()) / 1e6;
+            return int(
+                std::count_if(std::begin(appearAtMs), std::end(appearAtMs), [ms](double at) { return at <= ms; }));
+        };
+        while (sinceAfter.elapsed() < 600) {
+            const int fewest = pointsAt(sinceAfter);
+            const int count = pad.GetTotalInkPointsNumber(2);
+            const bool confirmed = pad.GetDeviceConfirmOrCancelKeyStatus(2) == 1;
+            const int most = pointsAt(sinceBefore);
+            QVERIFY(fewest <= count && count <= most);
+            QVERIFY(confirmed ? most == 5 : fewest < 5);
+            QTest::qSleep(7);
+        }
+        QCOMPARE(pad.points(), kTwoStrokes);
     }
 
     void padsStartFresh()
@@ -220,10 +227,10 @@ private Q_SLOTS:
         pad.SetPenStyle(2, false);
         pad.SetSaveClipImageMargin(2, 1, 0, 0);
         pad.InitialWPSSignCanvas(2, 10, 10);
-        QTest::qSleep(50);
-        QVERIFY(pad.GetTotalInkPointsNumber(2) >= 9);
+        QTest::qSleep(500);
+        QVERIFY(pad.GetTotalInkPointsNumber(2) >= 99);
         QVERIFY(pad.initialise(300, 200));
-        QVERIFY(pad.GetTotalInkPointsNumber(2) <= 1);
+        QVERIFY(pad.GetTotalInkPointsNumber(2) < 99);
         QVERIFY(pad.initialiseWritten(400, 300));
         const QByteArray afterOthers = pad.encoded(2);
 
