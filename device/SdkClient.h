@@ -53,10 +53,12 @@ protected:
     QString ReadText(const char *operation, SdkFunction<Producer> producer, SdkFunction<void (*)(int, char *)> release,
                      Produce produce);
 
-    /// Reads a picture like ReadText; the image reply, or an empty text when it equals strLast.
+    /// Reads a picture like ReadText; the image reply, or an empty text when it equals strLast. szChanged is logged
+    /// when it does not.
     template <class Producer, class Produce>
     QString ReadChangedImage(const char *operation, ImageEvent event, QString &strLast, SdkFunction<Producer> producer,
-                             SdkFunction<void (*)(int, char *)> release, Produce produce);
+                             SdkFunction<void (*)(int, char *)> release, Produce produce,
+                             const char *szChanged = nullptr);
 
 private:
     bool LoadMVSignPadSDK();
@@ -136,18 +138,20 @@ template <class Sdk>
 template <class Producer, class Produce>
 QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event, QString &strLast,
                                          SdkFunction<Producer> producer, SdkFunction<void (*)(int, char *)> release,
-                                         Produce produce)
+                                         Produce produce, const char *szChanged)
 {
     QString strResult = QStringLiteral("");
     char *pText = IsBound(producer, release) ? produce(producer.pfn) : nullptr;
     if (pText) {
         QString strBase64 = QString::fromUtf8(pText);
-        release.pfn(Sdk::nDeviceID, pText);
-        MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);
         if (strBase64 != strLast) {
+            if (szChanged)
+                MV_LOG_PAD(operation, "%s", szChanged);
             strResult = ImageReply(event, strBase64);
             strLast = std::move(strBase64);
         }
+        release.pfn(Sdk::nDeviceID, pText);
+        MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);
     }
     MV_LOG_PAD(operation, "Leave with strResult.length=%d", strResult.size());
     return strResult;

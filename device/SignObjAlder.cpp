@@ -16,7 +16,10 @@ bool SignObjAlder::UnInitialDevice()
 bool SignObjAlder::SetRealTimeSignBase64DataCallback(int nType, SignPadEventCallback pfnSignPadEventCallback,
                                                      SignBase64DataCallback pfnSignBase64DataCallback)
 {
-    MV_LOG_PAD("SetRealTimeSignBase64DataCallback", "Enter, nType=%d", nType);
+    MV_LOG_PAD("SetRealTimeSignBase64DataCallback",
+               "Enter, nType=%d, pfnSignPadEventCallback=%lx,pfnSignBase64DataCallback=%lx", nType,
+               reinterpret_cast<unsigned long>(pfnSignPadEventCallback),
+               reinterpret_cast<unsigned long>(pfnSignBase64DataCallback));
     m_pfnSignPadEventCallback = pfnSignPadEventCallback;
     m_pfnSignBase64DataCallback = pfnSignBase64DataCallback;
     bool bRet = false;

@@ -128,9 +128,13 @@ bool SignObjManager::InitialDevice(int nID, int nWidth, int nHeight)
 bool SignObjManager::UnInitialDevice()
 {
     MV_LOG_MANAGER("UnInitialDevice", "Enter...");
-    const bool bResult = ForwardNumber({"UnInitialDevice"}, false, &SignObjInterface::UnInitialDevice);
-    if (m_pCurrentActiveSignObj)
+    bool bResult = false;
+    if (m_pCurrentActiveSignObj) {
+        bResult = m_pCurrentActiveSignObj->UnInitialDevice();
+        MV_LOG_MANAGER("UnInitialDevice", "after call m_pCurrentActiveSignObj->UnInitialDevice(), bResult=%d", bResult);
         DeletePadObject("UnInitialDevice");
+    }
+    MV_LOG_MANAGER("UnInitialDevice", "Leave, bResult=%d", bResult);
     return bResult;
 }
 

@@ -170,7 +170,7 @@ QString SignObjModel<Sdk>::GetAboutInfo()
 template <class Sdk>
 QString SignObjModel<Sdk>::GetPointer()
 {
-    MV_LOG_PAD("GetPointer", "Enter...");
+    MV_LOG_PAD("GetPointer", "Enter");
     const int nCount = GetSize();
     InkPointList points;
     const auto getPoint = this->fnGetInkPointData();
@@ -194,7 +194,7 @@ QString SignObjModel<Sdk>::GetPointer()
 template <class Sdk>
 QString SignObjModel<Sdk>::Encode(int nType)
 {
-    MV_LOG_PAD("Encode", "Enter, nType=%d", nType);
+    MV_LOG_PAD("Encode", "Enter");
     return this->ReadText("Encode", this->fnBase64Encode(), this->fnBase64EncodeFree(),
                           [nType](auto encode) { return encode(Sdk::nDeviceID, nType); });
 }
