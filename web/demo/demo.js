@@ -52,6 +52,14 @@
 
   const status = (key, values) => say({ status: key ? [key, values] : null });
 
+  /** A button that is gone or out of use takes the keyboard's place in the page with it: this gives it a new one. */
+  function rescueFocus(target) {
+    const { activeElement } = document;
+    const isLost = !activeElement || activeElement === document.body || activeElement.disabled ||
+      activeElement.closest('[hidden]');
+    if (isLost) find(target).focus({ preventScroll: true });
+  }
+
   // ---- Choices -----------------------------------------------------------------------------------------------------
 
   function radio(group, value, key, checked) {
@@ -198,6 +206,7 @@
       session = null;
       find('paper-hint').hidden = true;
       renderButtons();
+      rescueFocus(!said.notice ? 'result-title' : said.notice.action ? 'notice-action' : 'paper');
     }
   }
 
@@ -211,6 +220,7 @@
 
   async function openPad() {
     say({ notice: null, status: ['statusOpening'] });
+    rescueFocus('paper');
     showInk([]);
     result.show(null);
     extras.update({ isOpen: false, signature: null });

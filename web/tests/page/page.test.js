@@ -148,8 +148,10 @@ describe('a whole capture', () => {
     const { port } = await service(t, { virtual: { SPEED: '0.2' } });
     const page = await visit(t, web.page, port);
     await notice(page, 'Ready to sign');
+    const presses = [];
     const focusOn = (name) => until(async () => {
       await page.keyboard.press('Tab');
+      presses.push(name);
       return await page.evaluate(() => document.activeElement.textContent.trim()) === name;
     }, `the focus to reach ${name}`);
     await page.locator('input[name=model]:checked').focus();
@@ -160,7 +162,9 @@ describe('a whole capture', () => {
     await focusOn('Confirm');
     await page.keyboard.press('Enter');
     await says(page, /^Signed: \d+ points/);
+    await until(() => page.evaluate(() => document.activeElement.id === 'result-title'), 'the focus to follow');
     assert.ok(await points(page) < 600);
+    assert.ok(presses.filter((name) => name === 'Confirm').length <= 4, 'the focus went on from where it was');
     await page.locator('#facts').getByText('VP-BIRCH').waitFor();
     await page.getByRole('tab', { name: 'PNG', exact: true }).focus();
     await page.keyboard.press('ArrowRight');
