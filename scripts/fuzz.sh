@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets with clang and runs them one after the other; a finding ends the run and stays in
+# build-fuzz/findings. What an earlier run has discovered in build-fuzz/corpus is where the next one starts.
+#
+#   scripts/fuzz.sh                   half an hour for each target
+#   scripts/fuzz.sh SECONDS [NAME...] so long for each of the named ones: request, points, settings
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+seconds=${1:-1800}
+[ $# -eq 0 ] || shift
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || targets=(request points settings)
+
+. scripts/packages.sh
+install_missing "${build_packages[@]}" "${fuzz_packages[@]}"
+build=$PWD/build-fuzz
+CXX=clang++ cmake -S . -B "$build" -G Ninja -DMVSIGNPAD_SANITIZE=fuzzer-no-link,address,undefined >/dev/null
+cmake --build "$build" --target "${targets[@]/#/fuzz_}" fuzz_sdk
+
+# An input may cost a second and half a gigabyte: what the largest that the real limits allow need at most.
+limits=(-timeout=10 -rss_limit_mb=2048 -max_len=8192)
+for target in "${targets[@]}"; do
+    corpus=$build/corpus/$target
+    mkdir -p "$corpus" "$build/findings"
+    echo "fuzzing $target for $seconds s"
+    # In a home, a /tmp and a network of its own: the requests write files and the service listens.
+    env ASAN_OPTIONS=detect_stack_use_after_return=1 \
+        UBSAN_OPTIONS=print_stacktrace=1 \
+        LSAN_OPTIONS="suppressions=$PWD/tests/sanitizers/leak.supp:print_suppressions=0" \
+        tests/desktop/isolated.sh "$PWD" "$build" "$build/bin/fuzz_$target" \
+        -max_total_time="$seconds" -dict="tests/fuzz/$target.dict" -print_final_stats=1 \
+        -artifact_prefix="$build/findings/$target-" "${limits[@]}" \
+        "$corpus" "tests/fuzz/corpus/$target" >"$build/$target.log" 2>&1 || {
+        tail -n 60 "$build/$target.log" >&2
+        exit 1
+    }
+    grep -E ' DONE |number_of_executed_units|peak_rss_mb' "$build/$target.log"
+done
