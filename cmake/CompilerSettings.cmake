@@ -13,12 +13,15 @@ endif()
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fno-exceptions -fvisibility=hidden)
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
                         QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050900)
-add_link_options(-Wl,--no-undefined -Wl,--as-needed)
+add_link_options(-Wl,--as-needed)
+if(NOT MVSIGNPAD_SANITIZE) # whose runtime a library finds in the program that loads it
+    add_link_options(-Wl,--no-undefined)
+endif()
 
 # One source tree is one include root: #include "device/SignObjManager.h".
 include_directories("${CMAKE_SOURCE_DIR}")
 
 if(MVSIGNPAD_SANITIZE)
-    add_compile_options("-fsanitize=${MVSIGNPAD_SANITIZE}" -fno-omit-frame-pointer)
+    add_compile_options("-fsanitize=${MVSIGNPAD_SANITIZE}" -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options("-fsanitize=${MVSIGNPAD_SANITIZE}")
 endif()
