@@ -185,10 +185,12 @@ void SysTrayMenuMgr::AutoLaunchService()
         QDir().mkpath(AutostartFolder());
         INIDATA.bAutoLaunch = m_pAutoLaunchAction->isChecked();
         if (INIDATA.bAutoLaunch) {
-            QFile::copy(AutostartSource(m_nOSProductID), target); // keeps an entry that is there
+            if (!target.isEmpty()) // Qt complains about empty names
+                QFile::copy(AutostartSource(m_nOSProductID), target); // keeps an entry that is there
             MV_LOG(tag, "INIDATA.bAutoLaunch = TRUE...");
         } else {
-            QFile::remove(target);
+            if (!target.isEmpty())
+                QFile::remove(target);
             MV_LOG(tag, "INIDATA.bAutoLaunch = false !");
         }
         WriteDataToINIFIle();
