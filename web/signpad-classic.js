@@ -7,6 +7,7 @@ globalThis.MVSignPad ??= (() => {
 
   const DEFAULT_PORT = 8089;
   const DEFAULT_TIMEOUT_MS = 10_000;
+  const PROMPT_TIMEOUT_MS = 60_000;
   const POLL_INTERVAL_MS = 40;
   const PRESENCE_CHECK_MS = 1_000;
   const INVALID_REQUEST = 'Invalid API request';
@@ -286,17 +287,27 @@ globalThis.MVSignPad ??= (() => {
 
   // ---- Connecting --------------------------------------------------------------------------------------------------
 
-  /** Browsers hide why a connection failed; only their permission registry can tell a refusal from a closed port. */
-  async function localNetworkRefused() {
+  /**
+   * 'granted', 'denied' or 'prompt'; undefined where no such permission exists. Browsers hide why a connection failed:
+   * this alone tells a refusal from a closed port.
+   */
+  async function localNetworkPermission() {
     for (const name of ['loopback-network', 'local-network-access']) {
       const status = await globalThis.navigator?.permissions?.query?.({ name }).catch(() => undefined);
-      if (status?.state === 'denied') return true;
+      if (status) return status.state;
     }
-    return false;
+    return undefined;
+  }
+
+  /** The connection waits while the browser asks the user. It never asks for pages of this computer. */
+  async function mayBeAsking() {
+    const { protocol, hostname } = globalThis.location ?? { protocol: 'file:' };
+    const isLocalPage = protocol === 'file:' || /^(localhost|127\..*|\[::1\])$/.test(hostname);
+    return !isLocalPage && await localNetworkPermission() === 'prompt';
   }
 
   async function unreachable(url, cause) {
-    return await localNetworkRefused()
+    return await localNetworkPermission() === 'denied'
       ? new SignPadError('permission-denied', `The browser does not let this page reach ${url}: ` +
           'it was refused access to programs on this computer', { cause })
       : new SignPadError('service-not-running', `Nothing answers at ${url}: is the service started?`, { cause });
@@ -312,9 +323,9 @@ globalThis.MVSignPad ??= (() => {
   }
 
   /** Resolves with an open socket; a socket that does not open is given up. */
-  function openSocket(WebSocketClass, url, timeout, signal) {
+  function openSocket({ WebSocket: WebSocketClass, timeout, promptTimeout }, url, signal) {
     return new Promise((resolve, reject) => {
-      signal?.throwIfAborted();
+      if (signal?.aborted) return reject(signal.reason);
       const socket = createSocket(WebSocketClass, url);
       socket.binaryType = 'arraybuffer';
       let cause;
@@ -329,21 +340,29 @@ globalThis.MVSignPad ??= (() => {
         socket.close();
       };
       const aborted = () => giveUp(signal.reason);
-      const timer = setTimeout(
-        () => giveUp(new SignPadError('timeout', `${url} did not answer within ${timeout} ms`)), timeout);
+      const expired = () => giveUp(new SignPadError('timeout', `${url} did not answer in time`));
+      let timer = setTimeout(async () => {
+        const isAsking = await mayBeAsking();
+        if (socket.readyState !== socket.CONNECTING) return;
+        timer = setTimeout(expired, isAsking ? promptTimeout : 0);
+      }, timeout);
       signal?.addEventListener('abort', aborted);
       socket.onerror = (event) => { cause = event.error; };
-      socket.onclose = () => unreachable(url, cause).then((error) => settle(reject, error));
+      socket.onclose = () => {
+        clearTimeout(timer);
+        unreachable(url, cause).then((error) => settle(reject, error));
+      };
       socket.onopen = () => settle(resolve, socket);
     });
   }
 
   function checkedOptions(options) {
-    const { port = DEFAULT_PORT, host = 'localhost', timeout = DEFAULT_TIMEOUT_MS, reconnect = true,
-      reconnectDelay = 500, maxReconnectDelay = 10_000, WebSocket = globalThis.WebSocket, signal } = options;
+    const { port = DEFAULT_PORT, host = 'localhost', timeout = DEFAULT_TIMEOUT_MS, promptTimeout = PROMPT_TIMEOUT_MS,
+      reconnect = true, reconnectDelay = 500, maxReconnectDelay = 10_000, WebSocket = globalThis.WebSocket,
+      signal } = options;
     if (!Number.isInteger(port) || port < 1 || port > 65535) refuse('port', 'a number from 1 to 65535');
     if (typeof WebSocket !== 'function') refuse('WebSocket', 'given where there is no global WebSocket');
-    return { port, host, timeout, reconnect, reconnectDelay, maxReconnectDelay, WebSocket, signal };
+    return { port, host, timeout, promptTimeout, reconnect, reconnectDelay, maxReconnectDelay, WebSocket, signal };
   }
 
   // ---- The client --------------------------------------------------------------------------------------------------
@@ -425,7 +444,7 @@ globalThis.MVSignPad ??= (() => {
     /** Sends one command of the table and resolves with its decoded result. */
     #call(row, argument, { timeout = this.#options.timeout, signal } = {}) {
       return new Promise((resolve, reject) => {
-        signal?.throwIfAborted();
+        if (signal?.aborted) return reject(signal.reason);
         const query = queryOf(row, argument);
         if (!this.#socket) throw new SignPadError('connection-lost', `There is no connection to ${this.url}`);
         const request = {
@@ -537,8 +556,7 @@ globalThis.MVSignPad ??= (() => {
     // The connection
 
     async #open(signal) {
-      const { WebSocket, timeout } = this.#options;
-      const socket = await openSocket(WebSocket, this.url, timeout, signal);
+      const socket = await openSocket(this.#options, this.url, signal);
       if (this.#closing.signal.aborted) return socket.close();
       socket.onmessage = (event) => this.#receive(event.data);
       socket.onclose = () => this.#lost(socket);

@@ -85,6 +85,8 @@ export interface ConnectOptions {
   host?: string;
   /** Milliseconds for the connection and for each call, waiting in line included. Default 10000. */
   timeout?: number;
+  /** Milliseconds to wait on while the browser may be asking the user for permission to connect. Default 60000. */
+  promptTimeout?: number;
   /** Connect again after the connection broke. Default true. */
   reconnect?: boolean;
   /** Milliseconds before the first attempt; doubled for each further one. Default 500. */

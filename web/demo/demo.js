@@ -180,7 +180,7 @@
 
   // ---- Signing -----------------------------------------------------------------------------------------------------
 
-  /** Tabs of one origin take turns at the one pad. Pages from file:// have no common locks and cannot. */
+  /** Tabs of one origin take turns at the one pad, where the browser has locks for it. */
   async function inTurn(signal, work) {
     const canTakeTurns = await navigator.locks?.query().then(() => true, () => false);
     if (!canTakeTurns) return work();

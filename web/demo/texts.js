@@ -99,7 +99,7 @@
       idleTitle: 'Ready to sign',
       idleText: 'Choose the model of your pad and start.',
       connectingTitle: 'Looking for the service',
-      connectingText: 'At {url}',
+      connectingText: 'At {url}. If the browser asks whether this page may reach programs on this computer, allow it.',
       absentTitle: 'The signature service is not running',
       absentText: 'Nothing answers at {url}. Open the menu of the pad icon in the system tray and choose ' +
         '"Start Service". This page connects by itself as soon as the service is there.',
@@ -228,7 +228,7 @@
       idleTitle: '可以签名了',
       idleText: '请选择签名板型号，然后开始。',
       connectingTitle: '正在寻找服务',
-      connectingText: '地址：{url}',
+      connectingText: '地址：{url}。如果浏览器询问是否允许本页面访问本机程序，请选择允许。',
       absentTitle: '签名服务没有运行',
       absentText: '{url} 无应答。请在系统托盘的签名板图标菜单中选择“开启服务程序”。服务启动后，本页面会自动连接。',
       refusedTitle: '浏览器阻止了本页面',

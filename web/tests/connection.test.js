@@ -177,6 +177,43 @@ test('a port that accepts and stays silent times out', async (t) => {
   await assert.rejects(SignPad.connect({ port: server.address().port, WebSocket, timeout: 80 }), { code: 'timeout' });
 });
 
+/** A browser around the client, as far as it looks at one. */
+function inBrowser(t, permissionState, location) {
+  const real = Object.getOwnPropertyDescriptor(globalThis, 'navigator');
+  const navigator = { permissions: { query: async ({ name }) => {
+    if (name !== 'loopback-network') throw new TypeError(name);
+    return { state: permissionState };
+  } } };
+  Object.defineProperty(globalThis, 'navigator', { value: navigator, configurable: true });
+  globalThis.location = new URL(location);
+  t.after(() => {
+    if (real) Object.defineProperty(globalThis, 'navigator', real);
+    else delete globalThis.navigator;
+    delete globalThis.location;
+  });
+}
+
+test('a refusal by the browser is told apart from a closed port', async (t) => {
+  inBrowser(t, 'denied', 'https://bank.example/');
+  const service = await startMockService();
+  await service.stop();
+  await assert.rejects(SignPad.connect({ port: service.port, WebSocket }), { code: 'permission-denied' });
+});
+
+for (const [location, patience] of [['https://bank.example/', 250], ['http://localhost:3000/', 50]]) {
+  test(`the time to connect from ${location} leaves ${patience} ms for the browser's question`, async (t) => {
+    inBrowser(t, 'prompt', location);
+    const server = net.createServer(() => undefined).listen(0, 'localhost');
+    await once(server, 'listening');
+    t.after(() => server.close());
+    const start = performance.now();
+    const { port } = server.address();
+    await assert.rejects(SignPad.connect({ port, WebSocket, timeout: 50, promptTimeout: 200 }), { code: 'timeout' });
+    const waited = performance.now() - start;
+    assert.ok(waited > patience - 5 && waited < patience + 150, `${waited} ms`);
+  });
+}
+
 test('options that make no sense are refused', async () => {
   await assert.rejects(SignPad.connect({ port: 0, WebSocket }), { code: 'invalid-argument' });
   await assert.rejects(SignPad.connect({ port: 65536, WebSocket }), { code: 'invalid-argument' });

@@ -236,20 +236,22 @@ describe('on the way to a signature', () => {
 });
 
 describe('two tabs', () => {
-  test('of one site take turns', async (t) => {
-    const { port } = await service(t, { virtual: { SPEED: '0.6' } });
-    const context = await browser.newContext(ENGLISH);
-    t.after(() => context.close());
-    const [{ page: first }, { page: second }] = [
-      await openPage(context, web.page, port), await openPage(context, web.page, port)];
-    await button(first, 'Start signing').click();
-    await until(async () => await points(first) > 20, 'ink in the first tab');
-    await button(second, 'Start signing').click();
-    await notice(second, 'Another tab is signing');
-    assert.equal(await points(second), 0);
-    await says(first, 'Signed: 600 points in 4 strokes.');
-    await says(second, 'Signed: 600 points in 4 strokes.');
-  });
+  for (const [from, url] of [['file://', () => FILE_PAGE], ['http://', () => web.page]]) {
+    test(`from ${from} take turns`, async (t) => {
+      const { port } = await service(t, { virtual: { SPEED: '0.6' } });
+      const context = await browser.newContext(ENGLISH);
+      t.after(() => context.close());
+      const { page: first } = await openPage(context, url(), port);
+      const { page: second } = await openPage(context, url(), port);
+      await button(first, 'Start signing').click();
+      await until(async () => await points(first) > 20, 'ink in the first tab');
+      await button(second, 'Start signing').click();
+      await notice(second, 'Another tab is signing');
+      assert.equal(await points(second), 0);
+      await says(first, 'Signed: 600 points in 4 strokes.');
+      await says(second, 'Signed: 600 points in 4 strokes.');
+    });
+  }
 
   test('that know nothing of each other get their own replies', async (t) => {
     const { port } = await service(t);
