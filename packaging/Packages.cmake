@@ -1,28 +1,33 @@
-# The two Debian packages: `mvsignpad` (the component "program") and `mvsignpad-virtual` (the component "virtual": the
-# virtual pad and the documents, for machines without the hardware). scripts/package.sh builds them.
-
-# Installs the notes that belong to a package: what changed, who holds the rights.
-function(mvsignpad_package_notes package component)
-    install(FILES "${CMAKE_CURRENT_BINARY_DIR}/changelog.gz" copyright
-            DESTINATION usr/share/doc/${package} COMPONENT ${component})
-endfunction()
+# The two Debian packages, one for each component: the program, and apart from it the virtual pad and the documents for
+# machines without the hardware. scripts/package.sh builds them.
 
 find_program(GZIP gzip REQUIRED)
-add_custom_command(OUTPUT changelog.gz
-                   COMMAND ${GZIP} -9nc "${CMAKE_CURRENT_SOURCE_DIR}/changelog" > changelog.gz
-                   DEPENDS changelog)
-add_custom_target(changelog ALL DEPENDS changelog.gz)
 
-mvsignpad_package_notes(mvsignpad program)
-mvsignpad_package_notes(mvsignpad-virtual virtual)
+# Compresses a file the way Debian's packages hold it: mvsignpad_compressed(FILE).
+function(mvsignpad_compressed file)
+    add_custom_command(OUTPUT "${file}.gz"
+                       COMMAND ${GZIP} -9nc "${CMAKE_CURRENT_SOURCE_DIR}/${file}" > "${file}.gz"
+                       DEPENDS "${file}")
+    add_custom_target("compressed-${file}" ALL DEPENDS "${CMAKE_CURRENT_BINARY_DIR}/${file}.gz")
+endfunction()
 
-install(FILES lintian/mvsignpad DESTINATION usr/share/lintian/overrides COMPONENT program)
+mvsignpad_compressed(changelog)
+mvsignpad_compressed(mvsignctl.1)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/mvsignctl.1.gz" DESTINATION usr/share/man/man1 COMPONENT mvsignpad)
+
+# Every package tells what has changed and who holds the rights.
+foreach(package IN ITEMS mvsignpad mvsignpad-virtual)
+    install(FILES "${CMAKE_CURRENT_BINARY_DIR}/changelog.gz" copyright
+            DESTINATION usr/share/doc/${package} COMPONENT ${package})
+endforeach()
+
+install(FILES lintian/mvsignpad DESTINATION usr/share/lintian/overrides COMPONENT mvsignpad)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX "/")
 set(CPACK_PACKAGE_CONTACT "MVSign Pad maintainers <maintainers@mvsignpad.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has a synopsis of its own
-set(CPACK_COMPONENTS_ALL program virtual)
+set(CPACK_COMPONENTS_ALL mvsignpad mvsignpad-virtual)
 set(CPACK_STRIP_FILES ON)
 # Whatever the umask of the person who packs: a package's directories are readable by all.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -36,10 +41,10 @@ if(CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
 endif()
 
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME mvsignpad)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS procps) # pgrep, which finds a copy that is already running
-set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "capture of handwritten signatures from a USB signature pad
+set(CPACK_DEBIAN_MVSIGNPAD_PACKAGE_NAME mvsignpad)
+set(CPACK_DEBIAN_MVSIGNPAD_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_MVSIGNPAD_PACKAGE_DEPENDS procps) # pgrep, which finds a copy that is already running
+set(CPACK_DEBIAN_MVSIGNPAD_DESCRIPTION "capture of handwritten signatures from a USB signature pad
 A tray program of the logged-in user's desktop that lets a web page or the WPS
 office suite capture a handwritten signature from a USB signature pad.
 
@@ -48,10 +53,10 @@ the pad and is copied into /opt/mvsignpad beside the program.
 
 The package also brings mvsignctl, the command-line client of the service.")
 
-set(CPACK_DEBIAN_VIRTUAL_PACKAGE_NAME mvsignpad-virtual)
-set(CPACK_DEBIAN_VIRTUAL_PACKAGE_SECTION devel)
-set(CPACK_DEBIAN_VIRTUAL_PACKAGE_SUGGESTS mvsignpad)
-set(CPACK_DEBIAN_VIRTUAL_DESCRIPTION "software signature pad and documents for mvsignpad
+set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_PACKAGE_NAME mvsignpad-virtual)
+set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_PACKAGE_SUGGESTS mvsignpad)
+set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_DESCRIPTION "software signature pad and documents for mvsignpad
 A stand-in for the library of the signature pad's maker, for developing and
 testing on machines without the hardware, together with the documents for
 administrators, packagers and developers of web pages.

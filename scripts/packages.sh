@@ -6,6 +6,14 @@ desktop_packages=(xvfb trayer xdotool imagemagick x11-utils procps fonts-dejavu-
 test_packages=(dbus openbox lxqt-panel util-linux iproute2 desktop-file-utils librsvg2-bin icoutils binutils file
     nodejs npm chromium)
 
+# The cross-compiler, the emulator, and the target's libraries beside the machine's own.
+arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5websockets5-dev:arm64)
+packaging_packages=(dpkg-dev lintian)
+lint_packages=(clang python3-clang-14)
+fuzz_packages=(clang libclang-rt-dev)
+soak_packages=(gnuplot-nox)
+check_packages=("${fuzz_packages[@]}" "${soak_packages[@]}" clang-tidy clazy cppcheck)
+
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
@@ -14,7 +22,8 @@ as_root() {
 install_missing() {
     local package missing=()
     for package in "$@"; do
-        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+        # A package that is there for two architectures answers twice.
+        [[ $(dpkg-query -W -f '${db:Status-Status} ' "$package" 2>/dev/null) == installed* ]] || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
     # What is on the path from elsewhere serves as well.
@@ -30,5 +39,12 @@ install_missing() {
     echo "installing ${wanted[*]}"
     as_root apt-get -qq -o DPkg::Lock::Timeout=300 update
     as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -y -o DPkg::Lock::Timeout=300 \
-        install --no-install-recommends "${wanted[@]}" >/dev/null
+        install --no-remove --no-install-recommends "${wanted[@]}" >/dev/null
+}
+
+# What cross-building for AArch64 takes on a machine of another architecture.
+install_arm64_tools() {
+    [ "$(dpkg --print-architecture)" != arm64 ] || return 0
+    dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
+    install_missing "${arm64_packages[@]}"
 }
