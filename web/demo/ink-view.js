@@ -3,6 +3,7 @@
   'use strict';
 
   const STRONGEST_PRESSURE = 1023;
+  const FINEST_NEEDED = 2; // canvas pixels per CSS pixel: hides the beads where the pieces of a line overlap
 
   /** A light touch still leaves a hairline. */
   const swelling = (pressure) => 0.3 + 0.9 * Math.min(pressure / STRONGEST_PRESSURE, 1);
@@ -47,8 +48,9 @@
 
     #redraw() {
       const { clientWidth, clientHeight } = this.#canvas;
-      this.#canvas.width = Math.round(clientWidth * devicePixelRatio);
-      this.#canvas.height = Math.round(clientHeight * devicePixelRatio);
+      const fineness = Math.max(devicePixelRatio, FINEST_NEEDED);
+      this.#canvas.width = Math.round(clientWidth * fineness);
+      this.#canvas.height = Math.round(clientHeight * fineness);
       this.#drawn = 0;
       this.#drawRest();
     }
