@@ -112,6 +112,7 @@ void WebSocketService::onNewConnection()
     static const char tag[] = "WebSocketService::onNewConnection()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
     if (QWebSocket *pClient = m_pWebSocketServer->nextPendingConnection()) {
+        pClient->setParent(this); // so that it changes threads with the service
         connect(pClient, &QWebSocket::textMessageReceived, this, &WebSocketService::processTextMessage);
         connect(pClient, &QWebSocket::binaryMessageReceived, this, &WebSocketService::processBinaryMessage);
         connect(pClient, &QWebSocket::disconnected, this, &WebSocketService::socketDisconnected);
