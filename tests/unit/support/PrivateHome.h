@@ -5,7 +5,8 @@
 
 /// A home directory of the test's own, empty at first, that is also the working directory: no settings of the user
 /// are read or written and no library lies about. Make it before anything asks for settings.
-class PrivateHome {
+class PrivateHome
+{
 public:
     PrivateHome();
     ~PrivateHome();

@@ -6,7 +6,8 @@
 #include <memory>
 
 /// The service in its own thread on a free port, started and stopped as the tray menu does it.
-class RunningService {
+class RunningService
+{
 public:
     RunningService();
     explicit RunningService(quint16 port);

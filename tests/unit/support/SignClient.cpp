@@ -1,34 +1,58 @@
 #include "tests/unit/support/SignClient.h"
 
-#include <QTest>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+/// Runs the event loop until the condition holds; asks again whenever something has come.
+template <class Condition>
+bool SignClient::waitFor(const Condition &condition, int timeoutMs)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        const qint64 left = timeoutMs - timer.elapsed();
+        if (left <= 0)
+            return false;
+        QEventLoop loop;
+        connect(this, &SignClient::changed, &loop, &QEventLoop::quit);
+        QTimer::singleShot(static_cast<int>(left), &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    return true;
+}
 
 SignClient::SignClient(QObject *parent) : QObject(parent)
 {
-    connect(&m_socket, &QWebSocket::textMessageReceived, this,
-            [this](const QString &message) { m_messages.append(message); });
-    connect(&m_socket, &QWebSocket::binaryMessageReceived, this,
-            [this](const QByteArray &message) { m_binaryMessages.append(message); });
+    connect(&m_socket, &QWebSocket::textMessageReceived, this, [this](const QString &message) {
+        m_messages.append(message);
+        Q_EMIT changed();
+    });
+    connect(&m_socket, &QWebSocket::binaryMessageReceived, this, [this](const QByteArray &message) {
+        m_binaryMessages.append(message);
+        Q_EMIT changed();
+    });
+    connect(&m_socket, &QWebSocket::stateChanged, this, &SignClient::changed);
 }
 
 bool SignClient::connectTo(quint16 port, const QString &path, const QString &host)
 {
-    return open(port, QUrl(QStringLiteral("ws://%1:%2%3").arg(host).arg(port).arg(path)));
+    m_port = port;
+    return open(QNetworkRequest(QUrl(QStringLiteral("ws://%1:%2%3").arg(host).arg(port).arg(path))));
 }
 
 bool SignClient::connectFrom(const QString &origin, quint16 port)
 {
+    m_port = port;
     QNetworkRequest request(QUrl(QStringLiteral("ws://127.0.0.1:%1/").arg(port)));
     request.setRawHeader("Origin", origin.toUtf8());
-    m_port = port;
-    m_socket.open(request);
-    return QTest::qWaitFor([this] { return isConnected(); });
+    return open(request);
 }
 
-bool SignClient::open(quint16 port, const QUrl &url)
+bool SignClient::open(const QNetworkRequest &request)
 {
-    m_port = port;
-    m_socket.open(url);
-    return QTest::qWaitFor([this] { return isConnected(); });
+    m_socket.open(request);
+    return waitFor([this] { return isConnected(); }, 5000);
 }
 
 QString SignClient::request(const QString &text, int timeoutMs)
@@ -50,20 +74,20 @@ void SignClient::sendCommand(const QString &command)
 
 bool SignClient::waitForMessages(int count, int timeoutMs)
 {
-    return QTest::qWaitFor([this, count] { return m_messages.size() >= count; }, timeoutMs);
+    return waitFor([this, count] { return m_messages.size() >= count; }, timeoutMs);
 }
 
 QByteArray SignClient::binaryRequest(const QByteArray &bytes, int timeoutMs)
 {
     const int before = m_binaryMessages.size();
     m_socket.sendBinaryMessage(bytes);
-    const bool came = QTest::qWaitFor([&] { return m_binaryMessages.size() > before; }, timeoutMs);
+    const bool came = waitFor([&] { return m_binaryMessages.size() > before; }, timeoutMs);
     return came ? m_binaryMessages.at(before) : QByteArray();
 }
 
 bool SignClient::waitForDisconnect(int timeoutMs)
 {
-    return QTest::qWaitFor([this] { return m_socket.state() == QAbstractSocket::UnconnectedState; }, timeoutMs);
+    return waitFor([this] { return m_socket.state() == QAbstractSocket::UnconnectedState; }, timeoutMs);
 }
 
 bool SignClient::close()

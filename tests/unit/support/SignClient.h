@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QNetworkRequest>
 #include <QObject>
 #include <QStringList>
 #include <QWebSocket>
 
 /// A WebSocket client of the service as a web page would be one: keeps every message that it gets, in order.
-class SignClient : public QObject {
+class SignClient : public QObject
+{
     Q_OBJECT
 
 public:
@@ -41,8 +43,14 @@ public:
 
     QWebSocket &socket() { return m_socket; }
 
+Q_SIGNALS:
+    /// A message came or the connection changed.
+    void changed();
+
 private:
-    bool open(quint16 port, const QUrl &url);
+    bool open(const QNetworkRequest &request);
+    template <class Condition>
+    bool waitFor(const Condition &condition, int timeoutMs);
 
     QWebSocket m_socket;
     quint16 m_port = 0;
