@@ -95,7 +95,7 @@ describe('a whole capture', () => {
       await says(page, 'Signed: 600 points in 4 strokes.');
       const { width, height, pixels } = await inkOf(page, '#ink');
       assert.ok(pixels > early.pixels * 1.5);
-      assert.ok(Math.abs(width - height * 800 / 480) <= 1, `${width} × ${height}`);
+      assert.ok(Math.abs(width / height - 800 / 480) < 0.01, `${width} × ${height}`);
 
       await page.getByRole('tab', { name: 'PNG', exact: true, selected: true }).waitFor();
       await page.getByText('800 × 480 pixels').waitFor();
