@@ -14,6 +14,13 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fno-
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
                         QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050900)
 add_link_options(-Wl,--as-needed)
+
+# Hardening: checked stack and library calls, tables that are read-only before main() is, code at a random address.
+add_compile_options(-fstack-protector-strong)
+add_link_options(-Wl,-z,relro -Wl,-z,now "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>")
+if(NOT MVSIGNPAD_SANITIZE) # which checks the same calls itself
+    add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
 if(NOT MVSIGNPAD_SANITIZE) # whose runtime a library finds in the program that loads it
     add_link_options(-Wl,--no-undefined)
 endif()
