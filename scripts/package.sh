@@ -14,8 +14,7 @@ build_packages_for() {
     fi
     cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_TESTING=OFF "${toolchain[@]}"
     cmake --build "$build"
-    # The dependencies are those of the libraries of that architecture.
-    (cd "$build" && DEB_HOST_ARCH="$1" cpack -B packages)
+    (cd "$build" && cpack -B packages)
     cp "$build"/packages/*_"$1".deb dist/
 }
 
