@@ -124,12 +124,18 @@ DesktopSession::~DesktopSession()
 {
     QDBusConnection::disconnectFromBus(busAddress());
     // The last comes down first: the X server and the bus outlive their clients.
-    for (auto helper = m_helpers.rbegin(); helper != m_helpers.rend(); ++helper) {
-        (*helper)->terminate();
-        if (!(*helper)->waitForFinished(3000))
-            (*helper)->kill();
-        (*helper)->waitForFinished(3000);
-    }
+    while (!m_helpers.empty())
+        endLastHelper();
+}
+
+void DesktopSession::endLastHelper()
+{
+    QProcess &helper = *m_helpers.back();
+    helper.terminate();
+    if (!helper.waitForFinished(3000))
+        helper.kill();
+    helper.waitForFinished(3000);
+    m_helpers.pop_back();
 }
 
 QString DesktopSession::settingsFile() const

@@ -18,7 +18,8 @@ struct MenuPicture {
 
 /// A desktop of the test's own: an X server, a session bus, a home, a runtime directory, and the tray that a test
 /// puts on it. All that it started ends with it. Needs Xvfb, dbus-daemon, trayer, lxqt-panel, xdotool and import.
-class DesktopSession {
+class DesktopSession
+{
 public:
     DesktopSession();
     ~DesktopSession();
@@ -60,6 +61,8 @@ public:
     QList<qint64> visibleWindows() const;
     /// Starts a helper program that ends with the session.
     QProcess *startHelper(const QString &program, const QStringList &arguments);
+    /// Ends the helper that was started last.
+    void endLastHelper();
 
 private:
     bool startXServer();
