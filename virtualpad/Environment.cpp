@@ -12,6 +12,7 @@ namespace virtualpad {
 namespace {
 
 constexpr char kSpeedVariable[] = "MVSIGNPAD_VIRTUAL_SPEED";
+constexpr char kWindowVariable[] = "MVSIGNPAD_VIRTUAL_WINDOW";
 constexpr char kInkVariable[] = "MVSIGNPAD_VIRTUAL_INK";
 
 } // namespace
@@ -33,6 +34,20 @@ double environmentSpeed()
     complain(QStringLiteral("%1=%2 is no number from 0 up; writing in real time")
                  .arg(QLatin1String(kSpeedVariable), QString::fromLocal8Bit(text)));
     return 1.0;
+}
+
+WindowSetting environmentWindow()
+{
+    const QByteArray text = qgetenv(kWindowVariable);
+    if (text == "0")
+        return WindowSetting::Off;
+    if (text == "1")
+        return WindowSetting::On;
+    if (!text.isEmpty()) {
+        complain(QStringLiteral("%1=%2 is neither 0 nor 1 and does not count")
+                     .arg(QLatin1String(kWindowVariable), QString::fromLocal8Bit(text)));
+    }
+    return WindowSetting::Automatic;
 }
 
 bool environmentNamesInk()

@@ -13,6 +13,11 @@ void complain(const QString &message);
 /// MVSIGNPAD_VIRTUAL_SPEED: the factor to real time; 0: everything at once. A broken value counts as 1.
 double environmentSpeed();
 
+enum class WindowSetting { Off, On, Automatic };
+
+/// MVSIGNPAD_VIRTUAL_WINDOW: 0, 1, or not set. A broken value counts as not set.
+WindowSetting environmentWindow();
+
 /// MVSIGNPAD_VIRTUAL_INK is set.
 bool environmentNamesInk();
 

@@ -1,5 +1,7 @@
 #include "virtualpad/InkShape.h"
 
+#include <QPainter>
+#include <QPainterPath>
 #include <QtMath>
 
 #include <algorithm>
@@ -147,6 +149,17 @@ QVector<QPolygonF> inkOutlines(const Ink &ink, const Pen &pen, const Placement &
         }
     }
     return outlines;
+}
+
+void paintInk(QPainter *pPainter, const Ink &ink, const Pen &pen, const Placement &placement)
+{
+    pPainter->setRenderHint(QPainter::Antialiasing);
+    for (const QPolygonF &outline : inkOutlines(ink, pen, placement)) {
+        QPainterPath path;
+        path.setFillRule(Qt::WindingFill);
+        path.addPolygon(outline);
+        pPainter->fillPath(path, pen.color);
+    }
 }
 
 } // namespace virtualpad

@@ -6,6 +6,8 @@
 
 #include <QPolygonF>
 
+class QPainter;
+
 namespace virtualpad {
 
 /// From pad pixels to the pixels of a picture: enlarged first, then moved.
@@ -16,5 +18,8 @@ struct Placement {
 
 /// One closed outline per stroke, in the picture's pixels, to be filled by the winding rule.
 QVector<QPolygonF> inkOutlines(const Ink &ink, const Pen &pen, const Placement &placement);
+
+/// Fills the outlines in the pen's colour, with smooth edges.
+void paintInk(QPainter *pPainter, const Ink &ink, const Pen &pen, const Placement &placement);
 
 } // namespace virtualpad

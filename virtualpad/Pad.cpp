@@ -23,7 +23,7 @@ bool isCanvas(const QSize &size)
 
 } // namespace
 
-bool Pad::plugIn(int deviceId, const QSize &size)
+bool Pad::plugIn(int deviceId, const QSize &size, bool signedByHand)
 {
     unplug();
     const PadModel *const pModel = findPadModel(deviceId);
@@ -35,27 +35,57 @@ bool Pad::plugIn(int deviceId, const QSize &size)
     const QSize fingerprint = QSize(size.width() / 4, size.height() / 2).expandedTo(QSize(1, 1));
     m_fingerprintPlace = {size, QPoint(size.width() - fingerprint.width(), size.height() - fingerprint.height()),
                           fingerprint};
-    m_speed = environmentSpeed();
-    m_ink = environmentNamesInk() ? environmentInk() : builtInSignature(size);
+    m_signedByHand = signedByHand;
+    if (!signedByHand) {
+        m_speed = environmentSpeed();
+        m_ink = environmentNamesInk() ? environmentInk() : builtInSignature(size);
+    }
     clear();
     return true;
 }
 
 void Pad::unplug()
 {
+    const quint64 next = m_session + 1;
     *this = Pad();
+    m_session = next;
 }
 
 void Pad::clear()
 {
+    if (m_signedByHand)
+        m_ink.clear();
     m_writing.start();
+    m_pressedKey = NoKey;
     m_reportedKey = NoKey;
     m_reportedPoints = 0;
 }
 
+bool Pad::write(const QPoint &point, int pressure)
+{
+    if (!m_signedByHand || !lcdOn || m_pressedKey != NoKey || m_ink.size() >= kMaxInkPoints)
+        return false;
+    if (m_ink.isEmpty())
+        m_writing.start();
+    m_ink.append({int(m_writing.elapsed()), qint16(point.x()), qint16(point.y()), qint16(pressure), false});
+    return true;
+}
+
+void Pad::liftPen()
+{
+    if (m_signedByHand && !m_ink.isEmpty())
+        m_ink.last().strokeEnd = true;
+}
+
+void Pad::pressKey(KeyStatus key)
+{
+    if (m_signedByHand)
+        m_pressedKey = key;
+}
+
 int Pad::inkCount() const
 {
-    if (m_speed == 0.0 || m_ink.isEmpty())
+    if (m_signedByHand || m_speed == 0.0 || m_ink.isEmpty())
         return m_ink.size();
     // The first point is there one sampling step after the pad was emptied.
     const double writtenMs = double(m_writing.nsecsElapsed()) / 1e6 * m_speed - kMsPerPoint + m_ink.first().timeMs;
@@ -71,6 +101,8 @@ const InkPoint *Pad::inkPoint(int index) const
 
 KeyStatus Pad::keyStatus() const
 {
+    if (m_signedByHand)
+        return m_pressedKey;
     return !m_ink.isEmpty() && inkCount() == m_ink.size() ? ConfirmKey : NoKey;
 }
 

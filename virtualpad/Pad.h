@@ -40,15 +40,26 @@ struct News {
 class Pad
 {
 public:
-    /// False, with no pad left plugged in, for an unknown device ID and for sides beyond 1 to kMaxPadSide.
-    bool plugIn(int deviceId, const QSize &size);
+    /// False, with no pad left plugged in, for an unknown device ID and for sides beyond 1 to kMaxPadSide. A pad that
+    /// is signed by hand is empty at first; any other writes by itself.
+    bool plugIn(int deviceId, const QSize &size, bool signedByHand);
     void unplug();
+    /// A number that every plugIn and unplug makes a new one.
+    quint64 session() const { return m_session; }
     bool isPluggedIn(int deviceId) const { return m_pModel && m_pModel->deviceId == deviceId; }
+    bool isSignedByHand() const { return m_signedByHand; }
     const PadModel &model() const { return *m_pModel; } ///< of the pad that is plugged in
     const QSize &size() const { return m_size; }
 
-    /// Empties the pad; its ink is written again from the first point.
+    /// Empties the pad and waits for the next key; a pad that writes by itself begins again.
     void clear();
+
+    /// The hand at a pad that is signed by hand. A switched-off LCD takes no ink, nor does a pad whose key was
+    /// pressed, until it is cleared. False: not taken.
+    bool write(const QPoint &point, int pressure);
+    void liftPen();
+    void pressKey(KeyStatus key);
+
     int inkCount() const;
     const InkPoint *inkPoint(int index) const; ///< null when there is no such point yet
     KeyStatus keyStatus() const;
@@ -73,11 +84,14 @@ public:
     Ink decodedInk;                ///< of the last call of Base64Decode
 
 private:
+    quint64 m_session = 0;
     const PadModel *m_pModel = nullptr;
+    bool m_signedByHand = false;
     QSize m_size;
     Ink m_ink;               ///< all of it, also what is not written yet
-    QElapsedTimer m_writing; ///< since the pad was last emptied
-    double m_speed = 1.0;    ///< factor to real time, 0: at once
+    QElapsedTimer m_writing; ///< since the pad was last emptied; by hand, since the first point
+    KeyStatus m_pressedKey = NoKey;
+    double m_speed = 1.0; ///< factor to real time, 0: at once
     Pen m_pen;
     std::optional<Clip> m_clip;
     std::optional<QSize> m_wpsCanvas;

@@ -6,7 +6,6 @@
 #include <QBuffer>
 #include <QImageWriter>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 
@@ -129,13 +128,7 @@ QImage drawnImage(const Drawing &drawing, const PictureOptions &options)
     image.setDotsPerMeterX(dotsPerMeter);
     image.setDotsPerMeterY(dotsPerMeter);
     QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    for (const QPolygonF &outline : inkOutlines(drawing.ink, drawing.pen, view.placement)) {
-        QPainterPath path;
-        path.setFillRule(Qt::WindingFill);
-        path.addPolygon(outline);
-        painter.fillPath(path, drawing.pen.color);
-    }
+    paintInk(&painter, drawing.ink, drawing.pen, view.placement);
     return image;
 }
 

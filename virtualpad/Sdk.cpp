@@ -7,6 +7,7 @@
 #include "virtualpad/InkText.h"
 #include "virtualpad/OutputFile.h"
 #include "virtualpad/SharedPad.h"
+#include "virtualpad/WindowHost.h"
 
 #include <algorithm>
 #include <array>
@@ -38,6 +39,15 @@ int withPad(int deviceId, Action action)
     if (!shared.pad.isPluggedIn(deviceId))
         return NoSuchPad;
     return action(shared.pad);
+}
+
+/// withPad for an action that the pad's window shows.
+template <typename Action>
+int withSeenPad(int deviceId, Action action)
+{
+    const int result = withPad(deviceId, action);
+    updateWindow();
+    return result;
 }
 
 std::optional<Drawing> drawingOf(int deviceId)
@@ -171,14 +181,18 @@ MV_SDK_FUNCTIONS(DECLARE, Any)
 
 bool virtualpad_InitialDevice(int nID, void *, int, int, int nWidth, int nHeight)
 {
+    const bool signedByHand = windowIsWanted();
     SharedPad &shared = SharedPad::instance();
-    const std::lock_guard<std::mutex> lock(shared.mutex);
-    return shared.pad.plugIn(nID, QSize(nWidth, nHeight));
+    std::unique_lock<std::mutex> lock(shared.mutex);
+    const bool isThere = shared.pad.plugIn(nID, QSize(nWidth, nHeight), signedByHand);
+    lock.unlock();
+    updateWindow();
+    return isThere;
 }
 
 int virtualpad_UnInitialDevice(int nDeviceID)
 {
-    return withPad(nDeviceID, [](Pad &pad) {
+    return withSeenPad(nDeviceID, [](Pad &pad) {
         pad.unplug();
         return Success;
     });
@@ -186,7 +200,7 @@ int virtualpad_UnInitialDevice(int nDeviceID)
 
 int virtualpad_OpenLCD(int nDeviceID, int bOpen)
 {
-    return withPad(nDeviceID, [=](Pad &pad) {
+    return withSeenPad(nDeviceID, [=](Pad &pad) {
         pad.lcdOn = bOpen != 0;
         return Success;
     });
@@ -194,7 +208,7 @@ int virtualpad_OpenLCD(int nDeviceID, int bOpen)
 
 void virtualpad_Clear(int nDeviceID)
 {
-    withPad(nDeviceID, [](Pad &pad) {
+    withSeenPad(nDeviceID, [](Pad &pad) {
         pad.clear();
         return Success;
     });
@@ -217,7 +231,7 @@ int virtualpad_GetHWVersion(int nDeviceID, char *pBuf, int nBufSize)
 
 int virtualpad_DisplayHWVersion(int nDeviceID, bool bShow)
 {
-    return withPad(nDeviceID, [=](Pad &pad) {
+    return withSeenPad(nDeviceID, [=](Pad &pad) {
         pad.showsInformation = bShow;
         return Success;
     });
@@ -225,7 +239,7 @@ int virtualpad_DisplayHWVersion(int nDeviceID, bool bShow)
 
 int virtualpad_SetPenStyle(int nDeviceID, bool bPressureOn)
 {
-    return withPad(nDeviceID, [=](Pad &pad) {
+    return withSeenPad(nDeviceID, [=](Pad &pad) {
         pad.setPenPressure(bPressureOn);
         return Success;
     });
@@ -233,12 +247,12 @@ int virtualpad_SetPenStyle(int nDeviceID, bool bPressureOn)
 
 int virtualpad_SetPenWidth(int nDeviceID, int nWidth)
 {
-    return withPad(nDeviceID, [=](Pad &pad) { return pad.setPenWidth(nWidth); });
+    return withSeenPad(nDeviceID, [=](Pad &pad) { return pad.setPenWidth(nWidth); });
 }
 
 int virtualpad_SetPenColor(int nDeviceID, int nR, int nG, int nB)
 {
-    return withPad(nDeviceID, [=](Pad &pad) { return pad.setPenColor(nR, nG, nB); });
+    return withSeenPad(nDeviceID, [=](Pad &pad) { return pad.setPenColor(nR, nG, nB); });
 }
 
 int virtualpad_SetSaveClipImageMargin(int nDeviceID, int bEnable, int nWidth, int nHeight)

@@ -107,4 +107,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestExports)
-#include "tst_exports.moc"
+#include "tst_virtualpad_exports.moc"

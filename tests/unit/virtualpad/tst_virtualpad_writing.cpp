@@ -281,4 +281,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestWriting)
-#include "tst_writing.moc"
+#include "tst_virtualpad_writing.moc"

@@ -160,4 +160,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestDevice)
-#include "tst_device.moc"
+#include "tst_virtualpad_device.moc"

@@ -203,4 +203,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestInkFile)
-#include "tst_inkfile.moc"
+#include "tst_virtualpad_inkfile.moc"

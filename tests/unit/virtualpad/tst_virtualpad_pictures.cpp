@@ -439,4 +439,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestPictures)
-#include "tst_pictures.moc"
+#include "tst_virtualpad_pictures.moc"

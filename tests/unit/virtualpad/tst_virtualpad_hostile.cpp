@@ -218,4 +218,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestHostile)
-#include "tst_hostile.moc"
+#include "tst_virtualpad_hostile.moc"

@@ -120,4 +120,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(TestFingerprint)
-#include "tst_fingerprint.moc"
+#include "tst_virtualpad_fingerprint.moc"
