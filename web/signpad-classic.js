@@ -557,7 +557,6 @@ globalThis.MVSignPad ??= (() => {
 
     async #open(signal) {
       const socket = await openSocket(this.#options, this.url, signal);
-      if (this.#closing.signal.aborted) return socket.close();
       socket.onmessage = (event) => this.#receive(event.data);
       socket.onclose = () => this.#lost(socket);
       this.#socket = socket;

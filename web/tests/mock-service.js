@@ -5,10 +5,12 @@ export const reply = (API, Result) => JSON.stringify({ API, Result });
 
 /**
  * `answer(request, socket)` returns the text to send back (or a promise of it), or undefined to stay silent; `request`
- * is the API name with its query. `requests` holds all that came, whole.
+ * is the API name with its query. A client is let in when the promise of `admit()` is kept. `requests` holds all that
+ * came, whole.
  */
-export async function startMockService(answer = () => undefined, { port = 0 } = {}) {
-  const server = new WebSocketServer({ port, host: 'localhost' });
+export async function startMockService(answer = () => undefined, { port = 0, admit = async () => undefined } = {}) {
+  const verifyClient = (_, decide) => admit().then(() => decide(true));
+  const server = new WebSocketServer({ port, host: 'localhost', verifyClient });
   await new Promise((resolve, reject) => server.once('listening', resolve).once('error', reject));
   const requests = [];
   server.on('connection', (socket) => {
@@ -23,6 +25,7 @@ export async function startMockService(answer = () => undefined, { port = 0 } = 
   });
   return {
     port: server.address().port,
+    address: server.address().family === 'IPv6' ? `[${server.address().address}]` : server.address().address,
     requests,
     sendToAll: (text) => server.clients.forEach((socket) => socket.send(text)),
     dropClients: () => server.clients.forEach((socket) => socket.terminate()),
