@@ -1,14 +1,84 @@
 #include "app/JsonText.h"
 
 #include <charconv>
+#include <limits>
 
 namespace {
 
-bool IsPlain(QChar character)
+constexpr int nBlock = 16;
+/// What a text of Qt can hold, less some room for what follows; asking for more would end the program.
+constexpr int nMaxBytes = std::numeric_limits<int>::max() - 1024;
+
+/// Nothing in the block needs an escape or more than one unit. One expression without a branch for all of it, so that
+/// compilers make vector instructions of it.
+bool IsPlainBlock(const ushort *pBlock)
 {
-    const ushort code = character.unicode();
-    return code >= 0x20 && code != '"' && code != '\\' && !character.isSurrogate();
+    ushort special = 0;
+    for (int i = 0; i < nBlock; ++i) {
+        const auto code = static_cast<short>(pBlock[i]); // negative from 0x8000 on
+        special |= static_cast<ushort>((code < 0x20) | (code > 0x7e) | (code == '"') | (code == '\\'));
+    }
+    return special == 0;
 }
+
+/// Counts the units of a text.
+struct UnitCounter {
+    qint64 nUnits = 0;
+
+    void Put(uint) { ++nUnits; }
+    void PutBlock(const ushort *) { nUnits += nBlock; }
+};
+
+/// Writes the units of a text into room that was made before.
+template <class Unit>
+struct UnitWriter {
+    Unit *pTo;
+
+    void Put(uint unit) { *pTo++ = static_cast<Unit>(unit); }
+    void PutBlock(const ushort *pBlock)
+    {
+        for (int i = 0; i < nBlock; ++i)
+            pTo[i] = static_cast<Unit>(pBlock[i]);
+        pTo += nBlock;
+    }
+};
+
+struct Utf16 {
+    using Unit = ushort;
+
+    template <class Output>
+    static void PutCharacter(Output &output, uint character)
+    {
+        if (QChar::requiresSurrogates(character)) {
+            output.Put(QChar::highSurrogate(character));
+            output.Put(QChar::lowSurrogate(character));
+        } else {
+            output.Put(character);
+        }
+    }
+};
+
+struct Utf8 {
+    using Unit = char;
+
+    template <class Output>
+    static void PutCharacter(Output &output, uint character)
+    {
+        if (character < 0x80)
+            return output.Put(character);
+        if (character < 0x800) {
+            output.Put(0xc0 | character >> 6);
+        } else if (character < 0x10000) {
+            output.Put(0xe0 | character >> 12);
+            output.Put(0x80 | (character >> 6 & 0x3f));
+        } else {
+            output.Put(0xf0 | character >> 18);
+            output.Put(0x80 | (character >> 12 & 0x3f));
+            output.Put(0x80 | (character >> 6 & 0x3f));
+        }
+        output.Put(0x80 | (character & 0x3f));
+    }
+};
 
 /// The letter behind the backslash in JSON's short escapes, or 0.
 char ShortEscape(ushort code)
@@ -33,46 +103,77 @@ char ShortEscape(ushort code)
     }
 }
 
-void AppendEscaped(QString &json, ushort code)
+template <class Output>
+void PutEscaped(Output &output, ushort code)
 {
     static const char hexDigits[] = "0123456789abcdef";
-    if (const char letter = ShortEscape(code)) {
-        json += QLatin1Char('\\');
-        json += QLatin1Char(letter);
-    } else {
-        json += QLatin1String("\\u00");
-        json += QLatin1Char(hexDigits[code >> 4]);
-        json += QLatin1Char(hexDigits[code & 0xf]);
+    output.Put('\\');
+    if (const char letter = ShortEscape(code))
+        return output.Put(static_cast<uchar>(letter));
+    output.Put('u');
+    for (const int nShift : {12, 8, 4, 0})
+        output.Put(static_cast<uchar>(hexDigits[code >> nShift & 0xf]));
+}
+
+/// Takes the next character, which may be two units, from the text.
+template <class Encoding, class Output>
+void PutNext(Output &output, const ushort *&pAt, const ushort *pEnd)
+{
+    const ushort code = *pAt++;
+    if (code < 0x20 || code == '"' || code == '\\')
+        PutEscaped(output, code);
+    else if (!QChar::isSurrogate(code))
+        Encoding::PutCharacter(output, code);
+    else if (QChar::isHighSurrogate(code) && pAt != pEnd && QChar::isLowSurrogate(*pAt))
+        Encoding::PutCharacter(output, QChar::surrogateToUcs4(code, *pAt++));
+    else
+        PutEscaped(output, code); // half a surrogate pair has no UTF-8 form
+}
+
+template <class Encoding, class Output>
+void PutText(Output &output, const QString &text)
+{
+    const ushort *pAt = text.utf16();
+    const ushort *const pEnd = pAt + text.size();
+    while (pAt != pEnd) {
+        if (pEnd - pAt >= nBlock && IsPlainBlock(pAt)) {
+            output.PutBlock(pAt);
+            pAt += nBlock;
+        } else {
+            const ushort *const pStop = pEnd - pAt > nBlock ? pAt + nBlock : pEnd;
+            while (pAt < pStop)
+                PutNext<Encoding>(output, pAt, pEnd);
+        }
     }
+}
+
+/// Makes room for exactly what is to come, then writes it: the texts are large.
+template <class Encoding, class Json>
+void AppendString(Json &json, const QString &text)
+{
+    using Unit = typename Encoding::Unit;
+    const int nBefore = json.size();
+    UnitCounter counter;
+    PutText<Encoding>(counter, text);
+    const bool bFits = counter.nUnits <= nMaxBytes / int{sizeof(Unit)} - nBefore;
+    json.resize(nBefore + 2 + (bFits ? static_cast<int>(counter.nUnits) : 0));
+    UnitWriter<Unit> writer{reinterpret_cast<Unit *>(json.data()) + nBefore};
+    writer.Put('"');
+    if (bFits)
+        PutText<Encoding>(writer, text);
+    writer.Put('"');
 }
 
 } // namespace
 
 void AppendJsonString(QString &json, const QString &text)
 {
-    const QChar *at = text.constData();
-    const QChar *const end = at + text.size();
-    json.reserve(json.size() + text.size() + 2);
-    json += QLatin1Char('"');
-    while (at != end) {
-        const QChar *const run = at;
-        while (at != end && IsPlain(*at))
-            ++at;
-        json.append(run, static_cast<int>(at - run));
-        if (at == end)
-            break;
-        if (!at->isSurrogate()) {
-            AppendEscaped(json, at->unicode());
-            ++at;
-        } else if (at->isHighSurrogate() && at + 1 != end && at[1].isLowSurrogate()) {
-            json.append(at, 2);
-            at += 2;
-        } else {
-            json += QLatin1Char('?'); // half a surrogate pair has no UTF-8 form
-            ++at;
-        }
-    }
-    json += QLatin1Char('"');
+    AppendString<Utf16>(json, text);
+}
+
+void AppendJsonString(QByteArray &json, const QString &text)
+{
+    AppendString<Utf8>(json, text);
 }
 
 void AppendJsonNumberText(QString &json, int number)
