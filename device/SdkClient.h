@@ -53,10 +53,10 @@ protected:
     QString ReadText(const char *operation, SdkFunction<Producer> producer, SdkFunction<void (*)(int, char *)> release,
                      Produce produce);
 
-    /// Reads a picture like ReadText; the image reply, or an empty text when it equals strLast. szChanged is logged
+    /// Reads a picture like ReadText; the image reply, or an empty text when it equals last. szChanged is logged
     /// when it does not.
     template <class Producer, class Produce>
-    QString ReadChangedImage(const char *operation, ImageEvent event, QString &strLast, SdkFunction<Producer> producer,
+    QString ReadChangedImage(const char *operation, ImageEvent event, QByteArray &last, SdkFunction<Producer> producer,
                              SdkFunction<void (*)(int, char *)> release, Produce produce,
                              const char *szChanged = nullptr);
 
@@ -136,19 +136,20 @@ QString SdkClient<Sdk>::ReadText(const char *operation, SdkFunction<Producer> pr
 
 template <class Sdk>
 template <class Producer, class Produce>
-QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event, QString &strLast,
+QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event, QByteArray &last,
                                          SdkFunction<Producer> producer, SdkFunction<void (*)(int, char *)> release,
                                          Produce produce, const char *szChanged)
 {
     QString strResult = QStringLiteral("");
     char *pText = IsBound(producer, release) ? produce(producer.pfn) : nullptr;
     if (pText) {
-        QString strBase64 = QString::fromUtf8(pText);
-        if (strBase64 != strLast) {
+        const QString strBase64 = QString::fromUtf8(pText);
+        QByteArray base64 = strBase64.toUtf8(); // kept in half the memory of the text
+        if (base64 != last) {
             if (szChanged)
                 MV_LOG_PAD(operation, "%s", szChanged);
             strResult = ImageReply(event, strBase64);
-            strLast = std::move(strBase64);
+            last = std::move(base64);
         }
         release.pfn(Sdk::nDeviceID, pText);
         MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);

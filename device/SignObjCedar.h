@@ -13,5 +13,5 @@ public:
                                int nFPHeight) override;
 
 private:
-    QString m_strLastFPImageBase64Content; // apart from the ink pictures' cache, never cleared
+    QByteArray m_strLastFPImageBase64Content; // apart from the ink pictures' cache, never cleared
 };

@@ -5,6 +5,7 @@
 #include "device/SdkTexts.h"
 #include "device/WpsPicture.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QImage>
 #include <QString>
@@ -44,7 +45,7 @@ private:
     QString ComposeWpsPicture(bool bEnableDateTime, const QString &strName);
 
     QString m_strDecodeFilePath = QStringLiteral("");
-    QString m_strLastInksBase64Content = QStringLiteral(""); // one cache for all ink pictures, never cleared
+    QByteArray m_strLastInksBase64Content; // one cache for all ink pictures, never cleared
 };
 
 #include "device/SignObjModel.inl"
