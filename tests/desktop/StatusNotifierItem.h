@@ -5,7 +5,8 @@
 #include <QVariantMap>
 
 /// What a StatusNotifier host gets to know of the one item on a session bus: read over the bus, as the host does.
-class StatusNotifierItem {
+class StatusNotifierItem
+{
 public:
     /// One row of the menu. A separator has no label; the toggle state is -1 where there is nothing to toggle.
     struct Entry {

@@ -5,7 +5,8 @@
 #include <QProcess>
 
 /// The real program, run on a desktop of the test's own.
-class TrayProgram {
+class TrayProgram
+{
 public:
     explicit TrayProgram(const DesktopSession &desktop, const QString &file = QStringLiteral(MVSIGNPAD_PROGRAM));
     /// Ends the program if a failed test left it running.

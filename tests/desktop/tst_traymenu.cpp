@@ -6,7 +6,8 @@
 
 #include <QTest>
 
-class TrayMenuTest : public QObject {
+class TrayMenuTest : public QObject
+{
     Q_OBJECT
 
 private Q_SLOTS:

@@ -1,0 +1,196 @@
+// A diagnostic build writes its log: whole lines of both files, the tick masked.
+#include "tests/desktop/DesktopSession.h"
+#include "tests/desktop/TrayProgram.h"
+#include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/LogFiles.h"
+#include "tests/unit/support/SignClient.h"
+
+#include <QRegularExpression>
+#include <QSysInfo>
+#include <QTest>
+
+class DiagnosticLogTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void mainThreadLines();
+    void otherThreadsLines();
+    void secondCopy();
+    void ticksNeverDecrease();
+
+private:
+    void runOnce();
+
+    std::unique_ptr<DesktopSession> m_desktop;
+    std::unique_ptr<TrayProgram> m_program;
+    quint16 m_port = 0;
+};
+
+void DiagnosticLogTest::initTestCase()
+{
+    m_desktop.reset(new DesktopSession);
+    QVERIFY(m_desktop->isUsable());
+    QVERIFY(m_desktop->startTrayer());
+}
+
+void DiagnosticLogTest::init()
+{
+    removeLogs();
+    m_port = freePort();
+    m_program.reset(new TrayProgram(*m_desktop, QStringLiteral(MVSIGNPAD_DIAGNOSTIC_PROGRAM)));
+}
+
+void DiagnosticLogTest::cleanup()
+{
+    m_program.reset();
+    removeLogs();
+}
+
+/// Starts with the service on, one request, launch at log-in on and off, service off and on, exit.
+void DiagnosticLogTest::runOnce()
+{
+    QVERIFY(m_desktop->writeSettings(
+        {QStringLiteral("StartWebService=true"), QStringLiteral("WebSocketPort=%1").arg(m_port)}));
+    QVERIFY(m_program->start());
+    QVERIFY(m_desktop->waitForIcon());
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    SignClient client;
+    QVERIFY(client.connectTo(m_port));
+    QCOMPARE(client.command(QStringLiteral("Clear")), QStringLiteral(R"({"API":"Clear","Result":"0"})"));
+    QVERIFY(m_desktop->chooseMenuEntry(1));
+    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+    QVERIFY(m_desktop->chooseMenuEntry(1));
+    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
+    QVERIFY(m_desktop->chooseMenuEntry(0));
+    QVERIFY(client.waitForDisconnect());
+    QVERIFY(m_desktop->chooseMenuEntry(2));
+    QVERIFY(m_program->waitForEnd());
+    QCOMPARE(m_program->exitStatus(), 0);
+    QCOMPARE(m_program->output(), QByteArray());
+}
+
+void DiagnosticLogTest::mainThreadLines()
+{
+    runOnce();
+    const char guard[] = "DetectSigngleInstance::IsProcessRunning()";
+    const char start[] = "SysTrayMenuMgr::StartCreateSystemTrayIcon()";
+    const char tray[] = "SysTrayMenuMgr::CreateSystemTray()";
+    const char open[] = "SysTrayMenuMgr::OpenWebSocketService()";
+    const char launch[] = "SysTrayMenuMgr::AutoLaunchService()";
+    const char service[] = "SysTrayMenuMgr::StartWebSocketService()";
+    const char write[] = "SysTrayMenuMgr::WriteDataToINIFIle()";
+    const QString product = QSysInfo::productType();
+    const QStringList expected{
+        logLine("main()", "Enter, argc=1"),
+        logLine("DetectSigngleInstance::DetectSigngleInstance()", "Enter..."),
+        logLine("DetectSigngleInstance::IsSingleInstance()", "Enter..."),
+        logLine(guard, "stdprocessName=mvsignpadsdk_wssvr"),
+        logLine(guard, "strOutputParts.size=2"),
+        logLine(guard, "stdstrOutput[0]=PID"),
+        logLine(guard, "stdstrOutput[1]="),
+        logLine(guard, "Leave with bRet=0"),
+        logLine("DetectSigngleInstance::IsSingleInstance()", "Leave with bRet=1"),
+        logLine("main()", "1st instance is running, keep going..."),
+        logLine("main()", "First instance coming, keep going..."),
+        logLine("SysTrayMenuMgr::SysTrayMenuMgr()", QStringLiteral("Enter, OSProductType=") + product),
+        logLine("SysTrayMenuMgr::SysTrayMenuMgr()", "m_nOSProductID=0"),
+        logLine("SysTrayMenuMgr::Initialize()", "Enter..."),
+        logLine("SysTrayMenuMgr::Initialize()", "Leave !"),
+        logLine("main()", "after call SysTrayMenuMgr.Initialize()..."),
+        logLine(start, "Enter, bSysTrayAvailable=1"),
+        logLine(start, "b4 call CreateSystemTray()..."),
+        logLine(tray, "Enter..."),
+        logLine(tray, "System Tray Available..."),
+        logLine("SysTrayMenuMgr::LoadDataFromINIFIle()",
+                QStringLiteral("Enter, OSKernelType=linux, OSProductType=") + product),
+        logLine("SysTrayMenuMgr::LoadDataFromINIFIle()", "Leave !"),
+        logLine(tray, "after call LoadDataFromINIFIle()..."),
+        logLine(open, "Enter, bOpenService=1"),
+        logLine(open, "after call m_pWebSocketThread->start()..."),
+        logLine(open, "Leave !"),
+        logLine(tray, "after call pSysTrayIcon->show()..."),
+        logLine(tray, "Leave !"),
+        logLine(start, "Leave !"),
+        logLine(launch, "Enter..."),
+        logLine(launch, "INIDATA.bAutoLaunch = TRUE..."),
+        logLine(write, "Enter..."),
+        logLine(write, "Leave !"),
+        logLine(launch, "Leave !"),
+        logLine(launch, "INIDATA.bAutoLaunch = false !"),
+        logLine(launch, "Leave !"),
+        logLine(service, "Enter..."),
+        logLine(open, "Enter, bOpenService=0"),
+        logLine(open, "b4 call m_pWebSocketThread->quit()..."),
+        logLine(open, "after call m_pWebSocketThread = nullptr..."),
+        logLine(open, "Leave !"),
+        logLine(write, "Enter..."),
+        logLine(write, "Leave !"),
+        logLine(service, "Leave !"),
+        logLine("SysTrayMenuMgr::ExitWebSocketService()", "Enter..."),
+        logLine(write, "Enter..."),
+        logLine(write, "Leave !"),
+        logLine(open, "Enter, bOpenService=0"),
+        logLine(open, "Leave !"),
+        logLine("SysTrayMenuMgr::ExitWebSocketService()", "Leave !")};
+    QCOMPARE(flawOfLog(mainLog(), expected), QString());
+}
+
+void DiagnosticLogTest::otherThreadsLines()
+{
+    runOnce();
+    const QString port = QString::number(m_port);
+    const QStringList expected{
+        logLine("CheckSysTrayThread::CheckSysTrayThread()", "Enter..."),
+        logLine("CheckSysTrayThread::run()", "Enter..."),
+        logLine("CheckSysTrayThread::run()", "i=0, bSysTrayAvailable=1"),
+        logLine("CheckSysTrayThread::run()", "Leave !"),
+        logLine("WebSocketThread::WebSocketThread()", QStringLiteral("Enter, nWebSocketPort=") + port),
+        logLine("WebSocketThread::run()", "Enter..."),
+        logLine("WebSocketService::WebSocketService()", QStringLiteral("Enter, m_nPort=") + port),
+        logLine("WebSocketThread::run()", "b4 call exec()..."),
+        logLine("WebSocketService::ProcessMVSignSDKWebSocketAPICommand()", "Rx Cmd: CLEAR"),
+        logLine("SignObjManager::Clear()", "Enter..."),
+        logLine("WebSocketThread::run()", "after call exec() and Leave !"),
+        logLine("WebSocketThread::~WebSocketThread()", "after call delete m_pWebSocketService..."),
+        logLine("WebSocketThread::~WebSocketThread()", "Leave !")};
+    QCOMPARE(flawOfLog(threadLog(), expected), QString());
+}
+
+void DiagnosticLogTest::secondCopy()
+{
+    QVERIFY(m_program->start());
+    QVERIFY(m_desktop->waitForIcon());
+    const int before = maskedLines(mainLog()).size();
+    TrayProgram second(*m_desktop, QStringLiteral(MVSIGNPAD_DIAGNOSTIC_PROGRAM));
+    QVERIFY(second.start());
+    QVERIFY(second.waitForEnd());
+    QCOMPARE(second.exitStatus(), 1);
+    const QStringList lines = maskedLines(mainLog()).mid(before);
+    QVERIFY(!lines.isEmpty());
+    QCOMPARE(lines.constFirst(), logLine("main()", "Enter, argc=1"));
+    QVERIFY(lines.filter(QStringLiteral("strOutputParts.size=3")).size() == 1);
+    QCOMPARE(lines.constLast(), logLine("main()", "2nd instance is running, exit NOW !"));
+}
+
+void DiagnosticLogTest::ticksNeverDecrease()
+{
+    runOnce();
+    const QRegularExpression tick(QStringLiteral("\\]:<([0-9]+)>-"));
+    for (const QString &log : {mainLog(), threadLog()}) {
+        qlonglong previous = 1;
+        for (const QString &logged : loggedLines(log)) {
+            const qlonglong value = tick.match(logged).captured(1).toLongLong();
+            QVERIFY2(value >= previous, qPrintable(logged));
+            previous = value;
+        }
+        QVERIFY(previous > 1);
+    }
+}
+
+QTEST_GUILESS_MAIN(DiagnosticLogTest)
+
+#include "tst_diagnosticlog.moc"

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// The two files of the diagnostic log: the main thread's and that of all other threads.
+QString mainLog();
+QString threadLog();
+void removeLogs();
+
+/// A file's lines as they are, without their line breaks. Empty when there is no file.
+QStringList loggedLines(const QString &file);
+/// The same with everything masked that differs from run to run: ticks as <N>, process identifiers as PID,
+/// addresses as P.
+QStringList maskedLines(const QString &file);
+
+/// A masked line: tag, message, and the comma and blank at its end.
+QString logLine(const char *tag, const QString &message);
+QString logLine(const char *tag, const char *message);
+
+/// Looks for these lines in a file, in this order, others between them allowed, and at the form of every line.
+/// The empty text when all is as it should be, else what is wrong.
+QString flawOfLog(const QString &file, QStringList expected);
