@@ -1,5 +1,6 @@
 #include "app/DetectSigngleInstance.h"
 #include "app/Logging.h"
+#include "app/RuntimeSettings.h"
 #include "tray/SysTrayMenuMgr.h"
 
 #include <QApplication>
@@ -24,6 +25,7 @@ int RunFirstInstance()
 
 int main(int argc, char *argv[])
 {
+    ApplyRuntimeSettings();
     QApplication application(argc, argv);
     // The tray menu is the program's only window of its own: closing any other window must not end it.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -1,5 +1,6 @@
 // The service as the program runs it, without the tray: "ServiceHost PORT", until standard input ends.
 
+#include "app/RuntimeSettings.h"
 #include "bench/Work.h"
 #include "service/WebSocketService.h"
 #include "service/WebSocketThread.h"
@@ -21,6 +22,7 @@ extern "C" __attribute__((visibility("default"))) void BenchPush(int kind)
 
 int main(int argc, char *argv[])
 {
+    ApplyRuntimeSettings();
     QCoreApplication application(argc, argv);
     WebSocketThread thread(nullptr, application.arguments().value(1).toInt());
     thread.start();

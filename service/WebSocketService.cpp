@@ -5,6 +5,7 @@
 #include "device/InkJson.h"
 #include "device/SignObjManager.h"
 #include "device/SignPadEvents.h"
+#include "service/ClientConnections.h"
 #include "service/CommandTable.h"
 
 #include <QHostAddress>
@@ -25,16 +26,15 @@ namespace {
 /// Guards g_pWebSocketService: a callback on another thread must not meet a service that is being destroyed.
 QMutex pushTargetMutex;
 
-QString ReplyEnvelope(const QString &strAPI, const QString &strResult)
+/// In UTF-8, as it is sent.
+QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
 {
-    QString strReply;
-    strReply.reserve(strResult.size() + strResult.size() / 8 + 64);
-    strReply += QLatin1String("{\"API\":");
-    AppendJsonString(strReply, strAPI);
-    strReply += QLatin1String(",\"Result\":");
-    AppendJsonString(strReply, strResult);
-    strReply += QLatin1Char('}');
-    return strReply;
+    QByteArray reply = "{\"API\":";
+    AppendJsonString(reply, strAPI);
+    reply += ",\"Result\":";
+    AppendJsonString(reply, strResult);
+    reply += '}';
+    return reply;
 }
 
 } // namespace
@@ -54,6 +54,7 @@ WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy a
                               .arg(QStringLiteral("ws://localhost:"))
                               .arg(port)
                               .arg(QStringLiteral("/MVSignSDK/"));
+        m_pConnections = new ClientConnections(m_pWebSocketServer);
         SetupMVSignPadSDKAPINameList();
         m_pSignObjMgr = std::make_unique<SignObjManager>();
         MV_LOG_INSIDE_THREAD(tag, "m_pSignObjMgr=%lx", reinterpret_cast<unsigned long>(m_pSignObjMgr.get()));
@@ -116,6 +117,7 @@ void WebSocketService::onNewConnection()
         connect(pClient, &QWebSocket::textMessageReceived, this, &WebSocketService::processTextMessage);
         connect(pClient, &QWebSocket::binaryMessageReceived, this, &WebSocketService::processBinaryMessage);
         connect(pClient, &QWebSocket::disconnected, this, &WebSocketService::socketDisconnected);
+        m_pConnections->Add(pClient);
         m_clients.append(pClient);
     }
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
@@ -127,6 +129,7 @@ void WebSocketService::socketDisconnected()
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
     if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender())) {
         m_clients.removeAll(pClient);
+        m_pConnections->Remove(pClient);
         pClient->deleteLater();
     }
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
@@ -137,7 +140,7 @@ void WebSocketService::processTextMessage(QString message)
     static const char tag[] = "WebSocketService::processTextMessage()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, message.length=%d", message.size());
     if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender()))
-        pClient->sendTextMessage(ProcessMVSignSDKWebSocketAPICommand(message));
+        m_pConnections->SendText(pClient, ProcessMVSignSDKWebSocketAPICommand(message));
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
@@ -162,7 +165,7 @@ int WebSocketService::RecognisedCommand(const QString &strMsg) const
     return -1;
 }
 
-QString WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg)
+QByteArray WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg)
 {
     static const char tag[] = "WebSocketService::ProcessMVSignSDKWebSocketAPICommand()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, strMsg.length=%d", strMsg.size());
@@ -210,14 +213,14 @@ void WebSocketService::ProcessSignBase64Data(const QByteArray &data)
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
-void WebSocketService::SendToAllClients(const QString &strResponseMsg, const char *tag, const char *loggedEvent)
+void WebSocketService::SendToAllClients(const QByteArray &responseMsg, const char *tag, const char *loggedEvent)
 {
     const QList<QWebSocket *> clients = m_clients; // a send that fails takes its client off the list
     for (int i = 0; i < clients.size(); ++i) {
         QWebSocket *const pClient = clients.at(i);
         if (loggedEvent)
             MV_LOG_INSIDE_THREAD(tag, "%s", loggedEvent);
-        pClient->sendTextMessage(strResponseMsg);
+        m_pConnections->SendText(pClient, responseMsg);
         MV_LOG_INSIDE_THREAD(tag, "after call pClient->sendTextMessage(strResponseMsg), i = %d", i);
     }
 }

@@ -11,6 +11,7 @@
 
 #include <memory>
 
+class ClientConnections;
 class QWebSocket;
 class QWebSocketCorsAuthenticator;
 class QWebSocketServer;
@@ -54,12 +55,13 @@ private:
     void CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const;
     void SetupMVSignPadSDKAPINameList();
     int RecognisedCommand(const QString &strMsg) const;
-    QString ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg);
-    void SendToAllClients(const QString &strResponseMsg, const char *tag, const char *loggedEvent);
+    QByteArray ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg);
+    void SendToAllClients(const QByteArray &responseMsg, const char *tag, const char *loggedEvent);
 
     _STRUCT_WPS_SETTINGS_INIDATA m_WPSSettings;
-    QWebSocketServer *m_pWebSocketServer; // child of the service
-    QList<QWebSocket *> m_clients;        // owned, in the order of connection
+    QWebSocketServer *m_pWebSocketServer;        // child of the service
+    ClientConnections *m_pConnections = nullptr; // child of the server; null when listening failed
+    QList<QWebSocket *> m_clients;               // owned, in the order of connection
     quint16 m_nPort;
     AccessPolicy m_accessPolicy;
     QString m_strServiceUrl; // what every request must begin with
