@@ -1,0 +1,27 @@
+#include "tests/sdk/support/SdkTestCase.h"
+
+#include "app/Logging.h"
+
+#include <QDir>
+
+void useLibrary(const QString &variant)
+{
+    const QString directory = QStringLiteral(SDK_VARIANTS_DIR "/") + variant;
+    QVERIFY2(QFile::exists(directory + QStringLiteral("/libmvsignpadsdk.so")), qPrintable(directory));
+    QVERIFY2(QDir::setCurrent(directory), qPrintable(directory));
+}
+
+void SdkTestCase::init()
+{
+    g_bEnableLog = false;
+    useLibrary(QStringLiteral("complete"));
+}
+
+void SdkTestCase::cleanup()
+{
+    QStringList problems;
+    for (const std::string &problem : recorder().finish()) {
+        problems << QString::fromStdString(problem);
+    }
+    QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QStringLiteral("\n   "))));
+}
