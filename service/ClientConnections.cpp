@@ -69,16 +69,19 @@ QTcpSocket *ClientConnections::ConnectionBelow(const QWebSocket *pClient) const
     return nullptr;
 }
 
-void ClientConnections::SendText(const QWebSocket *pClient, const QByteArray &text)
+void ClientConnections::SendText(QWebSocket *pClient, const QByteArray &text)
 {
-    QTcpSocket *const pConnection = m_connections.value(pClient);
-    if (!pConnection || pClient->state() != QAbstractSocket::ConnectedState)
+    if (pClient->state() != QAbstractSocket::ConnectedState)
         return;
-    pConnection->write(FrameHeader(text.size()));
-    pConnection->write(text);
-    // With more requests at hand, their replies go out together.
-    if (pConnection->bytesAvailable() == 0)
-        pConnection->flush();
+    if (QTcpSocket *const pConnection = m_connections.value(pClient)) {
+        pConnection->write(FrameHeader(text.size()));
+        pConnection->write(text);
+        // With more requests at hand, their replies go out together.
+        if (pConnection->bytesAvailable() == 0)
+            pConnection->flush();
+    } else {
+        pClient->sendTextMessage(QString::fromUtf8(text)); // a Qt that keeps its sockets elsewhere
+    }
     if (text.size() >= nLargeText)
         m_pQuietTimer->start();
 }

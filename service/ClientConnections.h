@@ -25,7 +25,7 @@ public:
     void Remove(const QWebSocket *pClient);
 
     /// Sends a text in UTF-8 as one message. Does nothing when the client is not connected any more.
-    void SendText(const QWebSocket *pClient, const QByteArray &text);
+    void SendText(QWebSocket *pClient, const QByteArray &text);
 
 private:
     QTcpSocket *ConnectionBelow(const QWebSocket *pClient) const;
