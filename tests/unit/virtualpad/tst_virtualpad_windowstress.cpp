@@ -150,7 +150,8 @@ private Q_SLOTS:
         timer.start();
         std::atomic<int> initialised{0};
         int actions = 0;
-        for (unsigned seed = 1; timer.elapsed() < seconds * 1000; ++seed) {
+        // A busy machine takes longer to do enough.
+        for (unsigned seed = 1; timer.elapsed() < seconds * 1000 || initialised < 100 || actions < 400; ++seed) {
             // The program ends and starts again, with the window open more often than not.
             Application application;
             WildUser user(seed);
@@ -167,8 +168,6 @@ private Q_SLOTS:
             QCoreApplication::processEvents();
             actions += user.actions;
         }
-        QVERIFY2(initialised > 5 * seconds, qPrintable(QString::number(initialised)));
-        QVERIFY2(actions > 20 * seconds, qPrintable(QString::number(actions)));
     }
 };
 
