@@ -125,8 +125,8 @@ void hostile::forgetTexts()
 
 #define SDK_FUNCTION(name, result, parameters, arguments, alder, birch, cedar, maple, rowan)                           \
     EXPORT_##alder(Alder, name, result, parameters, arguments)                                                         \
-    EXPORT_##birch(Birch, name, result, parameters, arguments)                                                         \
-    EXPORT_##cedar(Cedar, name, result, parameters, arguments)                                                         \
-    EXPORT_##maple(Maple, name, result, parameters, arguments)                                                         \
-    EXPORT_##rowan(Rowan, name, result, parameters, arguments)
+        EXPORT_##birch(Birch, name, result, parameters, arguments)                                                     \
+            EXPORT_##cedar(Cedar, name, result, parameters, arguments)                                                 \
+                EXPORT_##maple(Maple, name, result, parameters, arguments)                                             \
+                    EXPORT_##rowan(Rowan, name, result, parameters, arguments)
 #include "tests/sdk/recording/SdkTable.h"

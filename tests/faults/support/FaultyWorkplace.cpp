@@ -1,0 +1,81 @@
+#include "tests/faults/support/FaultyWorkplace.h"
+
+#include "tests/unit/support/FreePort.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+FaultyWorkplace::FaultyWorkplace(const QString &library) : m_port(freePort())
+{
+    const QString program = QStringLiteral(MVSIGNPAD_PROGRAM);
+    const QString copy = file(QFileInfo(program).fileName());
+    m_program = std::make_unique<TrayProgram>(m_desktop, copy);
+    m_usable = m_desktop.isUsable() && m_desktop.startTrayer() && QFile::copy(program, copy)
+               && QFile::copy(program + QStringLiteral(".ico"), copy + QStringLiteral(".ico"))
+               && (library.isEmpty() || replaceLibrary(library));
+}
+
+bool FaultyWorkplace::writeServingSettings(const QStringList &furtherLines)
+{
+    return m_desktop.writeSettings(QStringList{QStringLiteral("StartWebService=true"), QStringLiteral("UILangID=3"),
+                                               QStringLiteral("WebSocketPort=%1").arg(m_port)}
+                                   + furtherLines);
+}
+
+bool FaultyWorkplace::start(const QStringList &wrapper)
+{
+    if (wrapper.isEmpty())
+        return m_program->start();
+    m_program->process().start(wrapper.first(), wrapper.mid(1)
+                                                    << file(QFileInfo(QStringLiteral(MVSIGNPAD_PROGRAM)).fileName()));
+    return m_program->process().waitForStarted(5000);
+}
+
+bool FaultyWorkplace::startServing(const QStringList &wrapper)
+{
+    return start(wrapper) && TrayProgram::waitForListening(m_port);
+}
+
+bool FaultyWorkplace::exitsCleanly()
+{
+    return m_desktop.waitForIcon() && m_desktop.chooseMenuEntry(2) && m_program->waitForEnd()
+           && m_program->exitStatus() == 0 && m_program->output().isEmpty();
+}
+
+bool FaultyWorkplace::answer(const QByteArray &script) const
+{
+    QFile answers(file(QStringLiteral("hostile-answers")));
+    return answers.open(QIODevice::WriteOnly) && answers.write(script) == script.size();
+}
+
+bool FaultyWorkplace::replaceLibrary(const QString &library) const
+{
+    const QString fresh = file(QStringLiteral("library.new"));
+    return QFile::copy(library, fresh)
+           && ::rename(QFile::encodeName(fresh).constData(),
+                       QFile::encodeName(file(QStringLiteral("libmvsignpadsdk.so"))).constData())
+                  == 0;
+}
+
+bool FaultyWorkplace::serves(const QString &command)
+{
+    SignClient client;
+    return client.connectTo(m_port) && client.command(command).startsWith(QLatin1String("{\"API\":\"") + command);
+}
+
+long FaultyWorkplace::openDescriptors() const
+{
+    const QDir descriptors(QStringLiteral("/proc/%1/fd").arg(m_program->process().processId()));
+    return descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+long FaultyWorkplace::residentKiB() const
+{
+    QFile status(QStringLiteral("/proc/%1/statm").arg(m_program->process().processId()));
+    return status.open(QIODevice::ReadOnly) ? status.readAll().split(' ').value(1).toLong() * 4 : 0;
+}
+
+QString replyText(const char *command, const QString &result)
+{
+    return QStringLiteral("{\"API\":\"%1\",\"Result\":\"%2\"}").arg(QLatin1String(command), result);
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tests/desktop/DesktopSession.h"
+#include "tests/desktop/TrayProgram.h"
+#include "tests/unit/support/SignClient.h"
+
+/// A copy of the real program in a folder of its own, with the library beside it that a test wants there, on a desktop
+/// of its own with a tray.
+class FaultyWorkplace
+{
+public:
+    /// The library's file; none for an empty name.
+    explicit FaultyWorkplace(const QString &library = QStringLiteral(MVSIGNPAD_HOSTILE_SDK));
+
+    bool isUsable() const { return m_usable; }
+    quint16 port() const { return m_port; }
+    DesktopSession &desktop() { return m_desktop; }
+    TrayProgram &program() { return *m_program; }
+    QString file(const QString &name) const { return m_folder.filePath(name); }
+
+    /// Writes the settings that start the service on port(), and these lines behind them.
+    bool writeServingSettings(const QStringList &furtherLines = {});
+    /// Starts the program, through the wrapper that its first words are, if any, and waits until the service listens.
+    bool startServing(const QStringList &wrapper = {});
+    bool start(const QStringList &wrapper = {});
+    /// Starts the service through the menu, or stops it.
+    bool toggleService() { return m_desktop.chooseMenuEntry(0); }
+    /// Ends the program through its menu; true when it then ends with status 0 and has complained about nothing.
+    bool exitsCleanly();
+
+    /// Makes the hostile library answer so from now on; see hostile/AnswersFromFile.cpp.
+    bool answer(const QByteArray &script) const;
+    /// Puts a copy of this file into the place of the library, in one step.
+    bool replaceLibrary(const QString &library) const;
+    bool serves(const QString &command = QStringLiteral("GetSize"));
+    long openDescriptors() const;
+    long residentKiB() const;
+
+private:
+    DesktopSession m_desktop;
+    QTemporaryDir m_folder;
+    std::unique_ptr<TrayProgram> m_program;
+    quint16 m_port;
+    bool m_usable;
+};
+
+/// The service's reply to a request, as its JSON text.
+QString replyText(const char *command, const QString &result);

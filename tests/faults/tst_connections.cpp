@@ -1,0 +1,191 @@
+// Clients that break off, hang, come in crowds or send too much, against the real program.
+#include "tests/faults/support/FaultyWorkplace.h"
+#include "tests/faults/support/RawClient.h"
+
+#include <QTest>
+
+#include <vector>
+
+namespace {
+
+const char accepted[] = "HTTP/1.1 101 Switching Protocols";
+
+/// A text frame's beginning: final, masked with zeroes, of so many bytes.
+QByteArray frameHeader(quint32 size)
+{
+    QByteArray header("\x81\xFF\0\0\0\0", 6);
+    for (int shift = 24; shift >= 0; shift -= 8)
+        header += static_cast<char>(size >> shift & 0xFF);
+    return header + QByteArray(4, '\0');
+}
+
+} // namespace
+
+class ConnectionsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void clientIsKilledInMidFrame();
+    void fiveHundredAreServedAtOnce();
+    void twoThousandComeAndGo();
+    void halfOpenHandshakesDisturbNobody();
+    void longHandshakeIsCutOff();
+    void brokenFramesEndTheirConnectionOnly_data();
+    void brokenFramesEndTheirConnectionOnly();
+    void hugeRequestsAreAnswered_data();
+    void hugeRequestsAreAnswered();
+
+private:
+    std::unique_ptr<FaultyWorkplace> m_place;
+    long m_descriptors = 0;
+};
+
+void ConnectionsTest::init()
+{
+    m_place = std::make_unique<FaultyWorkplace>();
+    QVERIFY(m_place->isUsable());
+    QVERIFY(m_place->writeServingSettings());
+    QVERIFY(m_place->startServing());
+    QVERIFY(m_place->serves());
+    QVERIFY(m_place->desktop().waitForIcon());
+    QTest::qWait(500);
+    m_descriptors = m_place->openDescriptors();
+}
+
+void ConnectionsTest::cleanup()
+{
+    QVERIFY(m_place->serves());
+    QTRY_VERIFY2_WITH_TIMEOUT(m_place->openDescriptors() <= m_descriptors, "a connection is left over", 15000);
+    QVERIFY(m_place->exitsCleanly());
+    m_place.reset();
+}
+
+void ConnectionsTest::clientIsKilledInMidFrame()
+{
+    for (int i = 0; i < 50; ++i) {
+        RawClient client;
+        QVERIFY(client.connectTo(m_place->port()));
+        QCOMPARE(client.handshake(), QByteArray(accepted));
+        client.send(frameHeader(1000000) + QByteArray(500000, 'x'));
+        QVERIFY(m_place->serves());
+        client.abort();
+    }
+}
+
+void ConnectionsTest::fiveHundredAreServedAtOnce()
+{
+    std::vector<std::unique_ptr<SignClient>> clients(500);
+    for (auto &client : clients) {
+        client = std::make_unique<SignClient>();
+        QVERIFY(client->connectTo(m_place->port()));
+    }
+    for (auto &client : clients)
+        client->sendCommand(QStringLiteral("GetSize"));
+    for (auto &client : clients) {
+        QVERIFY(client->waitForMessages(1, 30000));
+        QCOMPARE(client->messages(), QStringList{replyText("GetSize", QStringLiteral("0"))});
+    }
+    QVERIFY(m_place->openDescriptors() >= m_descriptors + 500);
+}
+
+void ConnectionsTest::twoThousandComeAndGo()
+{
+    long before = 0;
+    for (int i = 0; i < 2000; ++i) {
+        RawClient client;
+        QVERIFY(client.connectTo(m_place->port()));
+        if (i % 2 == 1)
+            QCOMPARE(client.handshake(), QByteArray(accepted));
+        if (i % 4 == 3)
+            client.send(frameHeader(10) + "ws:");
+        client.abort();
+        if (i == 499)
+            before = m_place->residentKiB(); // what is allocated once has been by now
+    }
+    QVERIFY(m_place->serves());
+    QVERIFY2(m_place->residentKiB() < before + 4 * 1024, "each connection leaves memory behind");
+}
+
+void ConnectionsTest::halfOpenHandshakesDisturbNobody()
+{
+    const QByteArray beginnings[] = {"", "G", "GET / HTTP/1.1\r\n", "GET / HTTP/1.1\r\nHost: localhost\r\nUpgr"};
+    std::vector<std::unique_ptr<RawClient>> clients(100);
+    std::size_t i = 0;
+    for (auto &client : clients) {
+        client = std::make_unique<RawClient>();
+        QVERIFY(client->connectTo(m_place->port()));
+        client->send(beginnings[i++ % 4]);
+    }
+    for (int request = 0; request < 20; ++request)
+        QVERIFY(m_place->serves());
+#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
+    // Qt itself gives a handshake ten seconds.
+    for (auto &client : clients)
+        QVERIFY(client->waitForEnd(20000));
+#endif
+}
+
+void ConnectionsTest::longHandshakeIsCutOff()
+{
+    RawClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    client.send("GET / HTTP/1.1\r\n");
+    for (int i = 0; i < 2000; ++i)
+        client.send("X-Header: " + QByteArray(8000, 'x') + "\r\n");
+    QVERIFY(m_place->serves());
+    QVERIFY2(m_place->residentKiB() < 400 * 1024, "the service hoards an endless handshake");
+#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
+    QVERIFY(client.waitForEnd(20000));
+#endif
+}
+
+void ConnectionsTest::brokenFramesEndTheirConnectionOnly_data()
+{
+    QTest::addColumn<QByteArray>("frame");
+    QTest::newRow("reserved bits") << QByteArray("\xF1\x80\0\0\0\0", 6);
+    QTest::newRow("unknown kind") << QByteArray("\x83\x80\0\0\0\0", 6);
+    QTest::newRow("not masked") << QByteArray("\x81\x01x", 3);
+    QTest::newRow("continues nothing") << QByteArray("\x80\x80\0\0\0\0", 6);
+    QTest::newRow("largest size") << QByteArray("\x81\xFF\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14);
+    QTest::newRow("negative size") << QByteArray("\x81\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14);
+    QTest::newRow("control frame of 126 bytes") << QByteArray("\x89\xFE\0\x7E\0\0\0\0", 8) + QByteArray(126, 'x');
+    QTest::newRow("not UTF-8") << QByteArray("\x81\x82\0\0\0\0\xC0\x80", 8);
+}
+
+void ConnectionsTest::brokenFramesEndTheirConnectionOnly()
+{
+    QFETCH(QByteArray, frame);
+    RawClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.handshake(), QByteArray(accepted));
+    client.send(frame);
+    QVERIFY(m_place->serves());
+    client.abort();
+}
+
+void ConnectionsTest::hugeRequestsAreAnswered_data()
+{
+    QTest::addColumn<QString>("request");
+    QTest::newRow("10 MB of parameters") << QStringLiteral("SetPenWidth?") + QStringLiteral("a=1&").repeated(2500000);
+    QString many = QStringLiteral("UpdateWPSSettings?");
+    for (int i = 0; i < 1000000; ++i)
+        many += QStringLiteral("k%1=&").arg(i);
+    QTest::newRow("a million keys") << many;
+    QTest::newRow("10 MB of equal signs") << QStringLiteral("SetPenColor?") + QString(10000000, QLatin1Char('='));
+    QTest::newRow("10 MB that is no address") << QString(10000000, QLatin1Char('w'));
+}
+
+void ConnectionsTest::hugeRequestsAreAnswered()
+{
+    QFETCH(QString, request);
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.command(request, 20000), replyText("Invalid API request", QStringLiteral("-1")));
+}
+
+QTEST_GUILESS_MAIN(ConnectionsTest)
+
+#include "tst_connections.moc"

@@ -1,0 +1,280 @@
+// A pad library that answers as no sound library does, under the real program.
+#include "tests/faults/support/FaultyWorkplace.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+namespace {
+
+/// What a library of a pad can be asked for, each with what has no library's answer in its reply.
+const char *const everyCommand[] = {
+    "Clear",
+    "OpenLCD",
+    "CloseLCD",
+    "Decode?type=6&path=faults.dat&data=W10=",
+    "DisplayDeviceInfoInLCD?show=1",
+    "Encode?type=3",
+    "GetAboutInfo",
+    "GetDecodeFilePath",
+    "GetDeviceConfirmOrCancelKeyStatus",
+    "GetDeviceInfo?type=1",
+    "GetDeviceInfo?type=2",
+    "GetDeviceInfo?type=3",
+    "GetDeviceInfo?type=4",
+    "GetDeviceInfo?type=5",
+    "GetDeviceInfo?type=6",
+    "GetDeviceInfo?type=7",
+    "GetFingerPrintImage?FPImageOnly=0",
+    "GetInks",
+    "GetPointer",
+    "GetSize",
+    "IsValid",
+    "PadID",
+    "PenID",
+    "SaveDrawingImage?type=3&dpi=300&path=faults.png",
+    "SetClip?width=5&height=5",
+    "SetDisplayedFPImageAt?CanvasWidth=1&CanvasHeight=1&Left=1&Top=1&Width=1&Height=1",
+    "SetPenColor?R=0&G=0&B=255",
+    "SetPenStyle?Style=1",
+    "SetPenWidth?Width=3",
+    "VersionID",
+    "WPSSignConfirmed?id=1",
+    "WPSGetInks",
+    "InitialWPSSignCanvas?width=480&height=320",
+    "GetSVGImageBase64Data",
+    "EnableRealtimeSigningNotification?type=2",
+    "GetOpaqueInks",
+    "UninitialDevice",
+};
+
+/// Two million points and texts of 100 MB take their time, more so in a sanitizer's build.
+const int patienceMs = 120000;
+
+QString initialise(int device)
+{
+    return QStringLiteral("InitialDevice?id=%1&width=480&height=320").arg(device);
+}
+
+} // namespace
+
+class HostileLibraryTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void everyCommandIsAnswered_data();
+    void everyCommandIsAnswered();
+    void answersArePassedOn_data();
+    void answersArePassedOn();
+    void twoMillionPointsTravel();
+    void hugeTextsTravel();
+    void blockedPadLetsTheOthersWait();
+    void blockedPadLetsTheMenuWait();
+    void libraryIsReplaced();
+
+private:
+    std::unique_ptr<FaultyWorkplace> m_place;
+};
+
+void HostileLibraryTest::init()
+{
+    m_place = std::make_unique<FaultyWorkplace>();
+    QVERIFY(m_place->isUsable());
+    QVERIFY(m_place->writeServingSettings());
+    QVERIFY(m_place->answer(""));
+    QVERIFY(m_place->startServing());
+}
+
+void HostileLibraryTest::cleanup()
+{
+    QVERIFY(m_place->exitsCleanly());
+    m_place.reset();
+}
+
+void HostileLibraryTest::everyCommandIsAnswered_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::newRow("null") << QByteArray("text null\n");
+    QTest::newRow("negative counts and codes") << QByteArray("number -2147483648\npoints -2147483648\n");
+    QTest::newRow("largest codes") << QByteArray("number 2147483647\n");
+    QTest::newRow("empty texts") << QByteArray("text repeat 0 65\npoints 3\n");
+    QTest::newRow("not UTF-8") << QByteArray("text repeat 1000 255\nfill 192\npoints 100\n");
+    QTest::newRow("halves of characters") << QByteArray("text repeat 1001 237\nfill 237\npoints 100\n");
+    QTest::newRow("unterminated buffers") << QByteArray("fill 65\n");
+    QTest::newRow("buffers of quotation marks") << QByteArray("fill 34\ntext repeat 100000 34\n");
+}
+
+void HostileLibraryTest::everyCommandIsAnswered()
+{
+    QFETCH(QByteArray, script);
+    QVERIFY(m_place->answer(script));
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    for (const int device : {2, 5, 7, 3, 4}) {
+        QCOMPARE(client.command(initialise(device), patienceMs), replyText("InitialDevice", QStringLiteral("1")));
+        for (const char *command : everyCommand) {
+            const QString request = QString::fromLatin1(command);
+            const QString reply = client.command(request, patienceMs);
+            const QString api = QStringLiteral("{\"API\":\"%1\",").arg(request.section(QLatin1Char('?'), 0, 0));
+            QVERIFY2(reply.startsWith(api) && reply.endsWith(QLatin1String("\"}")), command);
+        }
+    }
+}
+
+void HostileLibraryTest::answersArePassedOn_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("result");
+    const auto row = [](const char *script, const char *command, const QString &result) {
+        QTest::addRow("%s to %s", script, command) << QByteArray(script) << QString::fromLatin1(command) << result;
+    };
+    for (const char *command : {"Encode?type=3", "GetInks", "GetOpaqueInks", "WPSGetInks", "GetSVGImageBase64Data"})
+        row("text null", command, QString());
+    row("text null\npoints 5", "GetPointer", QStringLiteral("[]"));
+    row("points -5", "GetSize", QStringLiteral("-5"));
+    row("points -5", "GetPointer", QStringLiteral("[]"));
+    row("points -5", "Decode?type=6&path=x&data=y", QStringLiteral("[]"));
+    row("text repeat 3 255", "Encode?type=3", QString(3, QChar(0xFFFD)));
+    row("fill 65", "PadID", QString(32, QLatin1Char('A')));
+    row("fill 65", "PenID", QString(32, QLatin1Char('A')));
+    row("fill 65", "VersionID", QString(32, QLatin1Char('A')));
+    row("fill 65", "GetAboutInfo", QString(256, QLatin1Char('A')));
+    row("fill 65", "GetDeviceInfo?type=5", QString(256, QLatin1Char('A')));
+    row("fill 255", "GetDeviceInfo?type=2", QStringLiteral("-1,-1"));
+    row("number -2147483648", "SaveDrawingImage?type=1&dpi=1&path=x", QStringLiteral("-2147483648"));
+}
+
+void HostileLibraryTest::answersArePassedOn()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QString, command);
+    QFETCH(QString, result);
+    QVERIFY(m_place->answer(script));
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.command(initialise(2)), replyText("InitialDevice", QStringLiteral("1")));
+    QCOMPARE(client.command(command),
+             replyText(command.section(QLatin1Char('?'), 0, 0).toLatin1().constData(), result));
+}
+
+void HostileLibraryTest::twoMillionPointsTravel()
+{
+    QVERIFY(m_place->answer("points 2000000\ntext repeat 1 55\n"));
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    client.command(initialise(2));
+    const QString reply = client.command(QStringLiteral("GetPointer"), patienceMs);
+    QVERIFY(reply.startsWith(
+        QLatin1String("{\"API\":\"GetPointer\",\"Result\":\"[{\\\"Time\\\":\\\"7\\\",\\\"bStrokeEnd\\\":\\\"0\\\","
+                      "\\\"pressure\\\":\\\"0\\\",\\\"x\\\":\\\"0\\\",")));
+    QVERIFY(reply.endsWith(QLatin1String("\\\"y\\\":\\\"0\\\"}]\"}")));
+    QCOMPARE(reply.count(QLatin1Char('{')), 2000001);
+    QVERIFY(m_place->serves());
+}
+
+void HostileLibraryTest::hugeTextsTravel()
+{
+    QVERIFY(m_place->answer("text repeat 100000000 65\n"));
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    client.command(initialise(2));
+    const long before = m_place->residentKiB();
+    for (const char *command : {"Encode?type=3", "GetSVGImageBase64Data", "GetInks"}) {
+        const QString reply = client.command(QString::fromLatin1(command), patienceMs);
+        QVERIFY2(reply.count(QLatin1Char('A')) >= 100000000, command);
+    }
+    // A picture that has not changed is not sent again.
+    QCOMPARE(client.command(QStringLiteral("GetOpaqueInks"), patienceMs), replyText("GetOpaqueInks", QString()));
+    client.forget();
+    client.command(QStringLiteral("UninitialDevice"));
+    QTRY_VERIFY2(m_place->residentKiB() < before + 100 * 1024, "the memory of the texts is not given back");
+}
+
+void HostileLibraryTest::blockedPadLetsTheOthersWait()
+{
+    QVERIFY(m_place->answer("block Clear 10000\n"));
+    SignClient blocker;
+    QVERIFY(blocker.connectTo(m_place->port()));
+    blocker.command(initialise(2));
+    QStringList order;
+    SignClient clients[3];
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(clients[i].connectTo(m_place->port()));
+        connect(&clients[i].socket(), &QWebSocket::textMessageReceived, this,
+                [&order, i](const QString &reply) { order += QString::number(i) + reply.mid(7, 5); });
+    }
+    QElapsedTimer clock;
+    clock.start();
+    blocker.sendCommand(QStringLiteral("Clear"));
+    QTest::qWait(500); // until the pad blocks
+    for (SignClient &client : clients)
+        client.sendCommand(QStringLiteral("PadID"));
+    for (SignClient &client : clients)
+        client.sendCommand(QStringLiteral("PenID"));
+    SignClient late;
+    QVERIFY(blocker.waitForMessages(2, 20000));
+    QVERIFY(clock.elapsed() >= 10000);
+    QVERIFY(late.connectTo(m_place->port()));
+    QTRY_COMPARE(order.size(), 6);
+    // One client after the other, and the requests of each in their order.
+    for (const char *pair : {"0\"PadI 0\"PenI", "1\"PadI 1\"PenI", "2\"PadI 2\"PenI"}) {
+        const QStringList both = QString::fromLatin1(pair).split(QLatin1Char(' '));
+        QVERIFY(order.indexOf(both.at(0)) >= 0 && order.indexOf(both.at(0)) < order.indexOf(both.at(1)));
+    }
+}
+
+void HostileLibraryTest::blockedPadLetsTheMenuWait()
+{
+    QVERIFY(m_place->answer("block Clear 10000\n"));
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    client.command(initialise(2));
+    QElapsedTimer clock;
+    clock.start();
+    client.sendCommand(QStringLiteral("Clear"));
+    QTest::qWait(500);
+    QVERIFY(m_place->toggleService());
+    QVERIFY(m_place->program().isRunning());
+    QVERIFY(client.waitForDisconnect(20000));
+    QVERIFY(clock.elapsed() >= 10000);
+    QVERIFY(TrayProgram::waitForSilence(m_place->port()));
+    QTRY_VERIFY(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=false")));
+    QVERIFY(m_place->toggleService());
+    QVERIFY(TrayProgram::waitForListening(m_place->port()));
+    QVERIFY(m_place->serves());
+}
+
+void HostileLibraryTest::libraryIsReplaced()
+{
+    QVERIFY(m_place->answer("fill 65\n"));
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.command(initialise(2)), replyText("InitialDevice", QStringLiteral("1")));
+    QCOMPARE(client.command(QStringLiteral("PadID")), replyText("PadID", QString(32, QLatin1Char('A'))));
+
+    // No library: what is in its place now is a text. The one in use serves until the next initialisation.
+    QVERIFY(m_place->replaceLibrary(QStringLiteral("/etc/passwd")));
+    QCOMPARE(client.command(QStringLiteral("PadID")), replyText("PadID", QString(32, QLatin1Char('A'))));
+    QCOMPARE(client.command(initialise(2)), replyText("InitialDevice", QStringLiteral("0")));
+    QCOMPARE(client.command(QStringLiteral("PadID")), replyText("PadID", QString()));
+
+    QVERIFY(QFile::remove(m_place->file(QStringLiteral("libmvsignpadsdk.so"))));
+    QCOMPARE(client.command(initialise(5)), replyText("InitialDevice", QStringLiteral("0")));
+    QVERIFY(m_place->replaceLibrary(QStringLiteral(MVSIGNPAD_HOSTILE_SDK)));
+    QCOMPARE(client.command(initialise(5)), replyText("InitialDevice", QStringLiteral("1")));
+    QCOMPARE(client.command(QStringLiteral("PadID")), replyText("PadID", QString(32, QLatin1Char('A'))));
+
+#ifdef MVSIGNPAD_VIRTUAL_SDK
+    QVERIFY(m_place->replaceLibrary(QStringLiteral(MVSIGNPAD_VIRTUAL_SDK)));
+    QCOMPARE(client.command(initialise(2)), replyText("InitialDevice", QStringLiteral("1")));
+    QVERIFY(client.command(QStringLiteral("PadID")) != replyText("PadID", QString()));
+    QVERIFY(client.command(QStringLiteral("PadID")) != replyText("PadID", QString(32, QLatin1Char('A'))));
+#endif
+}
+
+QTEST_GUILESS_MAIN(HostileLibraryTest)
+
+#include "tst_hostilelibrary.moc"
