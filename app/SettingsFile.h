@@ -1,14 +1,16 @@
 // Reading and writing of settings records: one walk over a record's keys and fields serves both directions.
 #pragma once
 
+#include <QByteArrayList>
 #include <QFile>
+#include <QLockFile>
 #include <QSettings>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 /// One group of one of the program's per-user settings files. What the user's file lacks is looked for in the
-/// machine's file of the same name. Written when it is destroyed, if anything was saved.
+/// machine's file of the same name. Written when it is destroyed, if anything was saved: as a whole or not at all.
 class SettingsFile
 {
 public:
@@ -22,18 +24,16 @@ public:
     QStringList Keys() const { return m_settings.allKeys(); }
     QVariant Value(const QString &key) const { return m_settings.value(key); }
 
-    /// True when some of the text is no setting; what else there is has been read.
-    bool IsMalformed() const { return m_settings.status() == QSettings::FormatError; }
-    /// True when the text, in the user's file or in the machine's, stands anywhere in it.
-    bool Mentions(const char *text) const
+    /// The user's file and the machine's as they are, whether or not they make sense; empty where there is none.
+    QByteArrayList RawTexts() const
     {
+        QByteArrayList texts;
         for (const QSettings::Scope scope : {QSettings::UserScope, QSettings::SystemScope}) {
             const QSettings settings(scope, m_settings.organizationName(), m_settings.applicationName());
             QFile file(settings.fileName());
-            if (file.open(QIODevice::ReadOnly) && file.readAll().contains(text))
-                return true;
+            texts += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         }
-        return false;
+        return texts;
     }
 
     /// Reads the key into the field; an absent key leaves the field as it is, a text that is no number reads as 0.
@@ -49,6 +49,10 @@ public:
     {
         m_settings.setValue(key, field);
     }
+
+    /// Clears away the lock of a program that was killed in the midst of writing, for which the next writer would wait
+    /// half a minute. A lock that somebody holds stays.
+    void RemoveStaleLock() { QLockFile(m_settings.fileName() + QStringLiteral(".lock")).removeStaleLockFile(); }
 
 private:
     QSettings m_settings;

@@ -47,5 +47,6 @@ void _STRUCT_WPS_SETTINGS_INIDATA::LoadWPSSettingsFromConfigureFile()
 void _STRUCT_WPS_SETTINGS_INIDATA::UpdateWPSSettingsToConfigureFile() const
 {
     SettingsFile file(FileName());
+    file.RemoveStaleLock();
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
 }

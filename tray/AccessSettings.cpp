@@ -5,6 +5,7 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -47,7 +48,7 @@ bool TakeRequireOrigin(const QVariant &value, AccessPolicy &policy)
 {
     const QString strFlag = value.toString();
     policy.bRequireOrigin = strFlag == QLatin1String("true");
-    return policy.bRequireOrigin || strFlag == QLatin1String("false");
+    return value.type() == QVariant::String && (policy.bRequireOrigin || strFlag == QLatin1String("false"));
 }
 
 const AccessKey accessKeys[] = {
@@ -73,6 +74,21 @@ bool Refuse(AccessPolicy &policy, const char *szWhat, const char *szWhy)
     return false;
 }
 
+/// Reading the settings passes over such a line in silence.
+bool HasLineWithoutValue(const QByteArray &text)
+{
+    bool bInGroup = false;
+    const QList<QByteArray> lines = QByteArray(text).replace('\r', '\n').split('\n');
+    for (const QByteArray &rawLine : lines) {
+        const QByteArray line = rawLine.trimmed();
+        if (line.startsWith('['))
+            bInGroup = line.mid(1, line.indexOf(']') - 1).trimmed() == "Access";
+        else if (bInGroup && !line.isEmpty() && !line.startsWith(';') && !line.contains('='))
+            return true;
+    }
+    return false;
+}
+
 bool TakeKey(const SettingsFile &file, const QString &strName, AccessPolicy &policy)
 {
     const AccessKey *const key = FindKey(strName);
@@ -84,14 +100,20 @@ bool TakeKey(const SettingsFile &file, const QString &strName, AccessPolicy &pol
 
 } // namespace
 
+bool IsAccessGroupReadable()
+{
+    const QByteArrayList texts = SettingsFile(TraySettingsFileName()).RawTexts();
+    return std::none_of(texts.begin(), texts.end(), HasLineWithoutValue);
+}
+
 AccessPolicy LoadAccessPolicy()
 {
     AccessPolicy policy;
-    const SettingsFile file(TraySettingsFileName(), QStringLiteral("Access"));
-    if (file.IsMalformed() && file.Mentions("Access")) {
-        Refuse(policy, "something", "cannot be read");
+    if (!IsAccessGroupReadable()) {
+        Refuse(policy, "a line", "has no value");
         return policy;
     }
+    const SettingsFile file(TraySettingsFileName(), QStringLiteral("Access"));
     const QStringList names = file.Keys();
     for (const QString &strName : names) {
         if (!TakeKey(file, strName, policy))

@@ -1,6 +1,7 @@
 #include "tray/TraySettings.h"
 
 #include "app/SettingsFile.h"
+#include "tray/AccessSettings.h"
 #include "tray/DesktopVariant.h"
 
 #include <QFile>
@@ -43,6 +44,9 @@ void TraySettings::Load(int nOSProductID)
 
 void TraySettings::Save() const
 {
+    if (!IsAccessGroupReadable())
+        return; // to drop what closes the service would open it at the next start
     SettingsFile file(TraySettingsFileName());
+    file.RemoveStaleLock();
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
 }

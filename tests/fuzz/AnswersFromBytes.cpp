@@ -1,7 +1,7 @@
 /// Answers taken from the fuzzer's input. Once it is used up, every answer is a harmless one.
 
-#include "tests/faults/hostile/Answers.h"
 #include "tests/fuzz/AnswersFromBytes.h"
+#include "tests/faults/hostile/Answers.h"
 
 #include <algorithm>
 #include <cstring>

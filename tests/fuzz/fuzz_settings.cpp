@@ -82,8 +82,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     mustSurviveSaving<_STRUCT_WPS_SETTINGS_INIDATA>(
         "WPS", [](_STRUCT_WPS_SETTINGS_INIDATA &wps) { wps.LoadWPSSettingsFromConfigureFile(); },
         [](const _STRUCT_WPS_SETTINGS_INIDATA &wps) { wps.UpdateWPSSettingsToConfigureFile(); });
-    if (access.bServesAnybody && valuesOf(access) != valuesOf(LoadAccessPolicy())) {
-        std::fprintf(stderr, "saving the tray settings has changed who is served\n");
+    // Qt gives a group with a strange name another one when it writes: that may close the service, but not open it.
+    const AccessPolicy after = LoadAccessPolicy();
+    if (after.bServesAnybody && valuesOf(after) != valuesOf(access)) {
+        std::fprintf(stderr, "saving the tray settings has let more clients in\n");
         std::abort();
     }
     return 0;

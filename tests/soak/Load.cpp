@@ -64,8 +64,7 @@ QString nameOf(const QString &request)
 
 } // namespace
 
-LoadClient::LoadClient(quint16 port, unsigned seed, LoadCounts &counts)
-    : m_port(port), m_random(seed), m_counts(counts)
+LoadClient::LoadClient(quint16 port, unsigned seed, LoadCounts &counts) : m_port(port), m_random(seed), m_counts(counts)
 {
     m_patience.setSingleShot(true);
     m_patience.setInterval(20000);

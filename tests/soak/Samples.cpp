@@ -52,8 +52,8 @@ bool Samples::take(double seconds, long requests)
     if (!statm.open(QIODevice::ReadOnly))
         return false;
     const long residentPages = statm.readAll().split(' ').value(1).toLong();
-    const Sample sample{seconds, residentPages * (sysconf(_SC_PAGESIZE) / 1024), entriesOf(process + QLatin1String("fd")),
-                        entriesOf(process + QLatin1String("task"))};
+    const Sample sample{seconds, residentPages * (sysconf(_SC_PAGESIZE) / 1024),
+                        entriesOf(process + QLatin1String("fd")), entriesOf(process + QLatin1String("task"))};
     m_samples.push_back(sample);
     const QByteArray row = QStringLiteral("%1 %2 %3 %4 %5\n")
                                .arg(sample.seconds, 0, 'f', 1)

@@ -51,6 +51,7 @@ int main(int argc, char *argv[])
         return 2;
     }
     qputenv("MVSIGNPAD_VIRTUAL_SPEED", "0"); // the whole signature at once
+    qputenv("MVSIGNPAD_VIRTUAL_WINDOW", "0");
     DesktopSession desktop;
     TrayProgram program(desktop);
     const quint16 port = freePort();
