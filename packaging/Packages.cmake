@@ -1,7 +1,10 @@
 # The two Debian packages, one for each component: the program, and apart from it the virtual pad and the documents for
 # machines without the hardware. scripts/package.sh builds them.
 
-find_program(GZIP gzip REQUIRED)
+find_program(GZIP gzip)
+if(NOT GZIP)
+    message(FATAL_ERROR "gzip is needed to compress what the packages hold")
+endif()
 
 # Compresses a file the way Debian's packages hold it: mvsignpad_compressed(FILE).
 function(mvsignpad_compressed file)
