@@ -309,6 +309,15 @@ QRect DesktopSession::windowArea(qint64 window) const
 
 MenuPicture DesktopSession::openMenu() const
 {
+    // A click that falls between two states of the tray is lost; as a person would, click again.
+    MenuPicture menu;
+    for (int attempt = 0; attempt < 3 && menu.entryRows.isEmpty(); ++attempt)
+        menu = clickForMenu();
+    return menu;
+}
+
+MenuPicture DesktopSession::clickForMenu() const
+{
     MenuPicture menu;
     const QRect icon = iconArea();
     if (icon.isEmpty())

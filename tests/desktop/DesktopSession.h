@@ -69,6 +69,7 @@ private:
     bool startBus();
     QByteArray run(const QString &program, const QStringList &arguments) const;
     QRect windowArea(qint64 window) const;
+    MenuPicture clickForMenu() const;
 
     QTemporaryDir m_directory;
     QProcessEnvironment m_environment;
