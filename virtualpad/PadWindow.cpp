@@ -7,6 +7,7 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QPainterPath>
 #include <QScreen>
 
 #include <algorithm>
@@ -49,6 +50,27 @@ Status statusOf(const PadView &view)
     return view.lcdOn ? Status{PadText::Ready, kLampReady} : Status{PadText::LcdOff, kLampOff};
 }
 
+/// A small pad with a stroke on it.
+QIcon padIcon()
+{
+    QPixmap picture(64, 64);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kBodyBottom);
+    painter.drawRoundedRect(2, 8, 60, 48, 7, 7);
+    painter.setBrush(Qt::white);
+    painter.drawRoundedRect(8, 14, 48, 30, 2, 2);
+    QPainterPath stroke(QPointF(13, 34));
+    stroke.cubicTo(24, 4, 27, 52, 35, 30);
+    stroke.cubicTo(40, 18, 40, 46, 51, 26);
+    painter.strokePath(stroke, QPen(kBodyBottom, 4, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(kConfirm, 4, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(24, 50, 40, 50);
+    return QIcon(picture);
+}
+
 /// Window pixels to the pad pixel: one, or less where the pad is larger than the screen.
 qreal scaleFor(const QSize &padSize)
 {
@@ -70,6 +92,7 @@ PadWindow::PadWindow()
     // The program lives on without this window, and the page keeps the keyboard when the pad comes up.
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_ShowWithoutActivating);
+    setWindowIcon(padIcon());
     // The screen has the focus first: a stray space bar presses no key.
     m_pSurface->setFocusPolicy(Qt::ClickFocus);
     m_pSurface->setFocus();

@@ -1,0 +1,279 @@
+// Signing in the virtual pad's window: the real program, real pointer motion, a window manager that closes windows.
+#include "tests/desktop/DesktopSession.h"
+#include "tests/desktop/TrayProgram.h"
+#include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/SignClient.h"
+
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+#include <random>
+
+class PadWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void pointerSigns();
+    void inkFileKeepsTheWindowAway();
+    void closingUnplugsThePad();
+    void serviceStopsAndStartsAtAnyMoment();
+
+private:
+    bool start(const QString &inkFile = QString());
+    QString ask(const QString &command);
+    QString initialise(int model) { return ask(QStringLiteral("InitialDevice?id=%1&width=400&height=240").arg(model)); }
+    QByteArray xdotool(const QStringList &arguments) const;
+    qint64 padWindow() const;
+    /// The screen of the pad that is shown now, in pixels of the desktop; empty when there is none.
+    QRect padScreen() const;
+    void draw(const QList<QPoint> &way) const;
+    void pressConfirm() const;
+    void closePadWindow() const;
+
+    std::unique_ptr<DesktopSession> m_desktop;
+    std::unique_ptr<TrayProgram> m_program;
+    std::unique_ptr<SignClient> m_client;
+    quint16 m_port = 0;
+};
+
+namespace {
+
+/// Where the confirm key is, seen from the middle of the screen's lower edge.
+const QPoint confirmKey(76, 40);
+
+QList<QPoint> wave()
+{
+    QList<QPoint> way;
+    for (int i = 0; i <= 60; ++i)
+        way.append(QPoint(60 + 4 * i, 120 + qRound(50 * std::sin(i / 7.0))));
+    return way;
+}
+
+} // namespace
+
+void PadWindowTest::init()
+{
+    m_desktop.reset(new DesktopSession);
+    QVERIFY(m_desktop->isUsable());
+    QVERIFY(m_desktop->startHelper(QStringLiteral("openbox"), {}));
+    QVERIFY(m_desktop->startTrayer());
+    m_port = freePort();
+}
+
+void PadWindowTest::cleanup()
+{
+    if (QTest::currentTestFailed())
+        m_desktop->keepScreenshot(
+            QStringLiteral("pad-window-%1-failed.png").arg(QLatin1String(QTest::currentTestFunction())));
+    m_client.reset();
+    m_program.reset();
+    m_desktop.reset();
+}
+
+bool PadWindowTest::start(const QString &inkFile)
+{
+    m_program.reset(new TrayProgram(*m_desktop));
+    if (!inkFile.isEmpty()) {
+        QProcessEnvironment environment = m_desktop->environment();
+        environment.insert(QStringLiteral("MVSIGNPAD_VIRTUAL_INK"), inkFile);
+        m_program->process().setProcessEnvironment(environment);
+    }
+    m_client.reset(new SignClient);
+    return m_desktop->writeSettings(
+               {QStringLiteral("StartWebService=true"), QStringLiteral("WebSocketPort=%1").arg(m_port)})
+           && m_program->start() && TrayProgram::waitForListening(m_port) && m_client->connectTo(m_port);
+}
+
+QString PadWindowTest::ask(const QString &command)
+{
+    return QJsonDocument::fromJson(m_client->command(command).toUtf8())
+        .object()
+        .value(QLatin1String("Result"))
+        .toString();
+}
+
+QByteArray PadWindowTest::xdotool(const QStringList &arguments) const
+{
+    QProcess process;
+    process.setProcessEnvironment(m_desktop->environment());
+    process.start(QStringLiteral("xdotool"), arguments);
+    process.waitForFinished(10000);
+    return process.readAllStandardOutput();
+}
+
+qint64 PadWindowTest::padWindow() const
+{
+    return xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+                    QStringLiteral("virtual signature pad")})
+        .split('\n')
+        .first()
+        .toLongLong();
+}
+
+QRect PadWindowTest::padScreen() const
+{
+    // Found by its paper: what a window manager tells of a framed window's place is not to be relied on.
+    const QImage screen = m_desktop->screenshot();
+    QRect paper;
+    for (int y = 0; y < screen.height(); ++y)
+        for (int x = 0; x < screen.width(); ++x)
+            if (screen.pixel(x, y) == qRgb(0xf4, 0xf6, 0xf1))
+                paper |= QRect(x, y, 1, 1);
+    // A dark line runs around it, and its upper end is shaded.
+    return paper.isEmpty() ? QRect() : QRect(paper.left() - 1, paper.bottom() + 2 - 240, 400, 240);
+}
+
+void PadWindowTest::draw(const QList<QPoint> &way) const
+{
+    const QPoint origin = padScreen().topLeft();
+    QStringList arguments;
+    const auto moveTo = [&](const QPoint &point) {
+        arguments << QStringLiteral("mousemove") << QString::number(origin.x() + point.x())
+                  << QString::number(origin.y() + point.y()) << QStringLiteral("sleep") << QStringLiteral("0.005");
+    };
+    moveTo(way.first());
+    arguments << QStringLiteral("mousedown") << QStringLiteral("1");
+    for (const QPoint &point : way)
+        moveTo(point);
+    xdotool(arguments << QStringLiteral("mouseup") << QStringLiteral("1"));
+}
+
+void PadWindowTest::pressConfirm() const
+{
+    const QRect screen = padScreen();
+    m_desktop->click(QPoint(screen.center().x(), screen.bottom()) + confirmKey);
+}
+
+void PadWindowTest::closePadWindow() const
+{
+    m_desktop->click(padScreen().topLeft() + QPoint(50, -25)); // the pad's body: gives it the keyboard
+    xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
+}
+
+void PadWindowTest::pointerSigns()
+{
+    QVERIFY(start());
+    QCOMPARE(initialise(2), QStringLiteral("1"));
+    QTRY_VERIFY(padWindow() != 0);
+    ask(QStringLiteral("SetPenWidth?Width=6"));
+    ask(QStringLiteral("SetPenStyle?Style=1")); // without pressure
+    ask(QStringLiteral("SetPenColor?R=20&G=40&B=140"));
+    QTest::qWait(300);
+    draw(wave());
+    QTRY_VERIFY(ask(QStringLiteral("GetPointer")).contains(QLatin1String("\"bStrokeEnd\":\"1\"")));
+
+    const QJsonArray points = QJsonDocument::fromJson(ask(QStringLiteral("GetPointer")).toUtf8()).array();
+    QVERIFY2(points.size() >= 30, qPrintable(QString::number(points.size())));
+    for (const QJsonValue &value : points) {
+        const QJsonObject point = value.toObject();
+        const int x = point.value(QLatin1String("x")).toString().toInt();
+        const int y = point.value(QLatin1String("y")).toString().toInt();
+        QVERIFY2(wave().contains(QPoint(x, y)), qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
+    }
+
+    const QJsonObject reply =
+        QJsonDocument::fromJson(ask(QStringLiteral("GetInks")).toUtf8()).array().first().toObject();
+    const QImage picture =
+        QImage::fromData(QByteArray::fromBase64(reply.value(QLatin1String("Image")).toString().toLatin1()), "PNG");
+    QCOMPARE(picture.size(), QSize(400, 240));
+    const QImage screen = m_desktop->screenshot().copy(padScreen());
+    for (const QPoint &point : {QPoint(60, 120), QPoint(104, 170), QPoint(192, 70)}) {
+        QVERIFY(wave().contains(point));
+        QCOMPARE(picture.pixel(point), qRgb(20, 40, 140));
+        QCOMPARE(screen.pixel(point), qRgb(20, 40, 140));
+    }
+    QCOMPARE(qAlpha(picture.pixel(30, 30)), 0);
+
+    QCOMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("-1"));
+    pressConfirm();
+    QTRY_COMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"));
+    QVERIFY(m_desktop->keepScreenshot(QStringLiteral("pad-window.png")));
+    ask(QStringLiteral("Clear"));
+    QCOMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("-1"));
+    QCOMPARE(ask(QStringLiteral("GetSize")), QStringLiteral("0"));
+}
+
+void PadWindowTest::inkFileKeepsTheWindowAway()
+{
+    QFile file(m_desktop->home() + QStringLiteral("/ink.json"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[]");
+    file.close();
+    QVERIFY(start(file.fileName()));
+    QCOMPARE(initialise(2), QStringLiteral("1"));
+    QTest::qWait(500);
+    QCOMPARE(padWindow(), qint64(0));
+}
+
+void PadWindowTest::closingUnplugsThePad()
+{
+    QVERIFY(start());
+    QCOMPARE(initialise(2), QStringLiteral("1"));
+    QTRY_VERIFY(padWindow() != 0);
+    QTest::qWait(300);
+    draw(wave());
+    QTRY_VERIFY(ask(QStringLiteral("GetSize")).toInt() > 0);
+    closePadWindow();
+    QTRY_COMPARE(ask(QStringLiteral("IsValid")), QStringLiteral("0"));
+    QTRY_COMPARE(padWindow(), qint64(0));
+    QCOMPARE(ask(QStringLiteral("GetSize")), QStringLiteral("0"));
+    QCOMPARE(ask(QStringLiteral("GetPointer")), QStringLiteral("[]"));
+    QVERIFY(m_program->isRunning());
+
+    QCOMPARE(initialise(3), QStringLiteral("1"));
+    QCOMPARE(ask(QStringLiteral("IsValid")), QStringLiteral("1"));
+    QTRY_VERIFY(padWindow() != 0);
+    QTest::qWait(300);
+    draw(wave());
+    QTRY_VERIFY(ask(QStringLiteral("GetSize")).toInt() > 0);
+    QCOMPARE(ask(QStringLiteral("UninitialDevice")), QStringLiteral("1"));
+    QTRY_COMPARE(padWindow(), qint64(0));
+}
+
+/// MVSIGNPAD_STRESS_SECONDS makes it longer than the usual ten seconds.
+void PadWindowTest::serviceStopsAndStartsAtAnyMoment()
+{
+    bool isNumber = false;
+    const int wanted = qEnvironmentVariableIntValue("MVSIGNPAD_STRESS_SECONDS", &isNumber);
+    const int seconds = isNumber && wanted > 0 ? wanted : 10;
+    std::mt19937 random(1);
+    const int models[] = {2, 5, 7, 3, 4};
+    QVERIFY(start());
+    QElapsedTimer timer;
+    timer.start();
+    for (int round = 0; round < 2 || timer.elapsed() < seconds * 1000; ++round) {
+        for (unsigned again = random() % 4; again > 0; --again) {
+            QCOMPARE(initialise(models[random() % 5]), QStringLiteral("1"));
+            QTest::qWait(int(random() % 200));
+        }
+        QCOMPARE(initialise(models[random() % 5]), QStringLiteral("1"));
+        QTRY_VERIFY(padWindow() != 0);
+        if (random() % 2)
+            draw(wave().mid(0, 10));
+        if (random() % 4 == 0)
+            closePadWindow();
+        QVERIFY(m_desktop->chooseMenuEntry(0));
+        QVERIFY(TrayProgram::waitForSilence(m_port));
+        QTRY_COMPARE(padWindow(), qint64(0));
+        QVERIFY(m_desktop->chooseMenuEntry(0));
+        QVERIFY(TrayProgram::waitForListening(m_port));
+        m_client.reset(new SignClient);
+        QVERIFY(m_client->connectTo(m_port));
+    }
+    // Its last act, with the window open.
+    QCOMPARE(initialise(2), QStringLiteral("1"));
+    QTRY_VERIFY(padWindow() != 0);
+    QVERIFY(m_desktop->chooseMenuEntry(2));
+    QVERIFY(m_program->waitForEnd());
+    QCOMPARE(m_program->exitStatus(), 0);
+    QCOMPARE(m_program->output(), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(PadWindowTest)
+#include "tst_padwindow.moc"
