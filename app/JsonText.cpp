@@ -16,6 +16,7 @@ bool IsPlainBlock(const ushort *pBlock)
     ushort special = 0;
     for (int i = 0; i < nBlock; ++i) {
         const auto code = static_cast<short>(pBlock[i]); // negative from 0x8000 on
+        // NOLINTNEXTLINE(readability-implicit-bool-conversion): the comparisons are numbers here
         special |= static_cast<ushort>((code < 0x20) | (code > 0x7e) | (code == '"') | (code == '\\'));
     }
     return special == 0;
@@ -120,6 +121,7 @@ template <class Encoding, class Output>
 void PutNext(Output &output, const ushort *&pAt, const ushort *pEnd)
 {
     const ushort code = *pAt++;
+    // NOLINTNEXTLINE(bugprone-branch-clone): the first kind and the last are escaped, each for its own reason
     if (code < 0x20 || code == '"' || code == '\\')
         PutEscaped(output, code);
     else if (!QChar::isSurrogate(code))

@@ -29,6 +29,7 @@ class NarrowText
 public:
     explicit NarrowText(const wchar_t *text)
     {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): UTF-8, like every encoding of today, has no state to share
         const std::size_t length = std::wcstombs(m_text, text, sizeof m_text - 1);
         m_text[length == static_cast<std::size_t>(-1) ? 0 : length] = '\0';
     }
@@ -62,6 +63,7 @@ void MyDebug_InsideThread(const char *tag, const char *message, const char *tail
     AppendToFile("/tmp/mvsignpadsdk_wssvr_inthread.log", tag, message, tail);
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): the compiler checks the arguments against the format
 void WriteLogLine(LogSink sink, const char *tag, const char *format, ...)
 {
     const int prefix = std::snprintf(g_cKeyBuf, sizeof g_cKeyBuf, "<%ld>-", static_cast<long>(GetTickCount()));

@@ -113,7 +113,7 @@ QString SdkClient<Sdk>::ReadIdentifier(const char *operation, SdkFunction<int (*
     MV_LOG_PAD(operation, "Enter...");
     char buffer[32] = {};
     CallAndLogResult(operation, function, buffer, static_cast<int>(sizeof buffer));
-    const QString strResult = TextFromBuffer(buffer, sizeof buffer);
+    QString strResult = TextFromBuffer(buffer, sizeof buffer);
     MV_LOG_PAD(operation, "Leave with strResult.length=%d", strResult.size());
     return strResult;
 }

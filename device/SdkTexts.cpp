@@ -16,7 +16,7 @@ QString FormatDeviceInfo(int nType, const DeviceInfo &info)
 {
     switch (nType) {
     case 1:
-        return info.bDeviceConnected ? QStringLiteral("true") : QStringLiteral("false");
+        return info.bDeviceConnected != 0 ? QStringLiteral("true") : QStringLiteral("false");
     case 2:
     case 3:
         return QStringLiteral("%1,%2").arg(info.values[0]).arg(info.values[1]);

@@ -53,7 +53,7 @@ bool SignObjModel<Sdk>::IsValid()
         const int nResult = function.pfn(Sdk::nDeviceID, 1, &info);
         MV_LOG_PAD("IsValid", "after call m_pfn_%s(), nResult=%d, bDeviceConnected=%d", function.szName, nResult,
                    info.bDeviceConnected);
-        bResult = nResult == 0 && info.bDeviceConnected;
+        bResult = nResult == 0 && info.bDeviceConnected != 0;
     }
     MV_LOG_PAD("IsValid", "Leave, bResult=%d", bResult);
     return bResult;
@@ -162,7 +162,7 @@ QString SignObjModel<Sdk>::GetAboutInfo()
         function.pfn(Sdk::nDeviceID, buffer);
         MV_LOG_PAD("GetAboutInfo", "after call m_pfn_%s()", function.szName);
     }
-    const QString strResult = TextFromBuffer(buffer, sizeof buffer);
+    QString strResult = TextFromBuffer(buffer, sizeof buffer);
     MV_LOG_PAD("GetAboutInfo", "Leave with strResult.length=%d", strResult.size());
     return strResult;
 }
@@ -186,7 +186,7 @@ QString SignObjModel<Sdk>::GetPointer()
         points.Append(point, QString::fromUtf8(pTime));
         freeTime.pfn(Sdk::nDeviceID, pTime);
     }
-    const QString strJsonDocInkPointerList = points.Take();
+    QString strJsonDocInkPointerList = points.Take();
     MV_LOG_PAD("GetPointer", "Leave, strJsonDocInkPointerList.length=%d", strJsonDocInkPointerList.size());
     return strJsonDocInkPointerList;
 }

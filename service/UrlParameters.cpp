@@ -9,7 +9,7 @@ QStringRef TakePiece(const QStringRef &text, QChar separator, int &nFrom)
 {
     const int nAt = text.indexOf(separator, nFrom);
     const int nEnd = nAt < 0 ? text.size() : nAt;
-    const QStringRef piece = text.mid(nFrom, nEnd - nFrom);
+    QStringRef piece = text.mid(nFrom, nEnd - nFrom);
     nFrom = nEnd + 1;
     return piece;
 }
