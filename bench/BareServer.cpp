@@ -58,13 +58,13 @@ private:
         const QString api = message.mid(nName, message.indexOf(QLatin1Char('?'), nName) - nName);
         client->sendTextMessage(Envelope(api, Result(api, message)));
         if (api == QLatin1String("Clear"))
-            QTimer::singleShot(0, this, [this] {
+            QTimer::singleShot(1, this, [this] { // when the reply has gone
                 Push([] { return Envelope(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus"), QStringLiteral("1")); });
             });
         else if (api == QLatin1String("OpenLCD"))
             QTimer::singleShot(0, this, [this] {
-                const std::string picture = m_pushed.Next();
-                Push([&] { return Envelope(QStringLiteral("GetInks"), ImageArray(picture)); });
+                const char *const picture = m_pushed.Next();
+                Push([=] { return Envelope(QStringLiteral("GetInks"), ImageArray(picture)); });
             });
     }
 
@@ -85,9 +85,9 @@ private:
         return QStringLiteral("0");
     }
 
-    static QString ImageArray(const std::string &picture)
+    static QString ImageArray(const char *picture)
     {
-        const QString base64 = QString::fromUtf8(picture.data(), static_cast<int>(picture.size()));
+        const QString base64 = QString::fromUtf8(picture);
         return Compact({QJsonObject{{QStringLiteral("EventType"), QStringLiteral("0")},
                                     {QStringLiteral("Image"), base64},
                                     {QStringLiteral("ImageLength"), QString::number(base64.size())}}});

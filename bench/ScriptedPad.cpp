@@ -91,7 +91,7 @@ EXPORT void MVAlder_FreeInkPointDataTimeInfo(int, char *) {}
 
 EXPORT char *MVAlder_Base64Encode(int, int)
 {
-    return picture ? picture->Next().data() : nullptr;
+    return picture ? picture->Next() : nullptr;
 }
 
 EXPORT void MVAlder_Base64EncodeFree(int, char *) {}

@@ -5,8 +5,9 @@
 #include "service/WebSocketService.h"
 #include "service/WebSocketThread.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -15,20 +16,21 @@ extern "C" __attribute__((visibility("default"))) void BenchPush(int kind)
 {
     static PictureText picture(200 * 1024);
     if (kind == 0)
-        WebSocketServiceSignPadEventCallback(1);
+        QTimer::singleShot(1, [] { WebSocketServiceSignPadEventCallback(1); }); // when the reply has gone
     else
-        WebSocketServiceSignBase64DataCallback(picture.Next().data());
+        WebSocketServiceSignBase64DataCallback(picture.Next());
 }
 
 int main(int argc, char *argv[])
 {
     ApplyRuntimeSettings();
-    QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", QByteArray("offscreen")); // for the text in WPS pictures
+    QGuiApplication application(argc, argv);
     WebSocketThread thread(nullptr, application.arguments().value(1).toInt());
     thread.start();
     QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &QCoreApplication::quit);
-    const int nStatus = QCoreApplication::exec();
+    const int nStatus = QGuiApplication::exec();
     thread.quit();
     thread.wait();
     return nStatus;

@@ -2,14 +2,18 @@
 import { WebSocketServer } from 'ws';
 
 const alphabet = 'ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/';
+const period = 4096;
 
 class PictureText {
     constructor(size) {
         const bytes = Buffer.alloc(size);
         let state = 1;
-        for (let i = 0; i < size; ++i) {
+        for (let i = 0; i < Math.min(size, period); ++i) {
             state = (Math.imul(state, 1664525) + 1013904223) >>> 0;
             bytes[i] = alphabet.charCodeAt(state >>> 26);
+        }
+        for (let i = period; i < size; i += period) {
+            bytes.copy(bytes, i, 0, Math.min(period, size - i));
         }
         this.bytes = bytes;
         this.turn = 0;
@@ -64,8 +68,9 @@ function push(text) {
 }
 
 const pushes = {
-    Clear: () => push(envelope('GetDeviceConfirmOrCancelKeyStatus', '1')),
-    OpenLCD: () => push(envelope('GetInks', imageArray(pushed.next()))),
+    // When the reply has gone.
+    Clear: () => setTimeout(() => push(envelope('GetDeviceConfirmOrCancelKeyStatus', '1')), 1),
+    OpenLCD: () => setImmediate(() => push(envelope('GetInks', imageArray(pushed.next())))),
 };
 
 server.on('connection', (client) => {
@@ -76,7 +81,7 @@ server.on('connection', (client) => {
         const api = mark < 0 ? message.slice(start) : message.slice(start, mark);
         client.send(envelope(api, results[api] ? results[api](message) : '0'));
         if (pushes[api]) {
-            setImmediate(pushes[api]);
+            pushes[api]();
         }
     });
 });
