@@ -1,4 +1,4 @@
-// All texts of the page in its two languages. {name} stands for a value.
+// All texts of the page in its two languages. {name} stands for a value, {name|one|many} for a word that counts it.
 (() => {
   'use strict';
 
@@ -24,7 +24,7 @@
       startAgain: 'Sign again',
       live: 'Signing',
       paperEmpty: 'The signature, still empty',
-      paperInk: 'The signature: {strokes} strokes, {points} points',
+      paperInk: 'The signature: {strokes} {strokes|stroke|strokes}, {points} {points|point|points}',
       signHere: 'Sign on the pad',
       points: 'Points',
       strokes: 'Strokes',
@@ -59,7 +59,7 @@
       formatPoints: 'Points',
       pictureAlt: 'The signature as {format}',
       pictureFacts: '{width} × {height} pixels, {size} kB',
-      pointsFacts: '{points} points in {strokes} strokes, {size} kB',
+      pointsFacts: '{points} {points|point|points} in {strokes} {strokes|stroke|strokes}, {size} kB',
       padTime: 'Time',
       strokeEnd: 'End of stroke',
       yes: 'yes',
@@ -88,7 +88,7 @@
       fingerprintShown: 'The pad shows the fingerprint in its lower right corner.',
       fingerprintAlt: 'The fingerprint',
       log: 'Requests and replies',
-      logCount: '{count} messages',
+      logCount: '{count} {count|message|messages}',
       showPolls: 'Show polling',
       logClear: 'Empty',
       logSave: 'Save as text',
@@ -125,7 +125,7 @@
       failed: 'That did not work: {reason}',
       statusOpening: 'Opening the pad…',
       statusSigning: "Sign now. Confirm with the pad's key or with the button.",
-      statusConfirmed: 'Signed: {points} points in {strokes} strokes.',
+      statusConfirmed: 'Signed: {points} {points|point|points} in {strokes} {strokes|stroke|strokes}.',
       statusCancelled: 'Cancelled.',
       statusEmpty: 'There is nothing to confirm yet: the pad is empty.',
       statusCleared: 'The pad is empty again.',
@@ -264,8 +264,8 @@
   let language = stored('language') ?? (navigator.language.toLowerCase().startsWith('zh') ? 'zh' : 'en');
   const listeners = [];
 
-  const t = (key, values = {}) =>
-    TEXTS[language][key].replace(/\{(\w+)\}/g, (placeholder, name) => String(values[name] ?? placeholder));
+  const t = (key, values = {}) => TEXTS[language][key].replace(/\{(\w+)(?:\|(\w+)\|(\w+))?\}/g,
+    (placeholder, name, one, many) => one ? (values[name] === 1 ? one : many) : String(values[name] ?? placeholder));
 
   function translatePage() {
     document.documentElement.lang = language === 'zh' ? 'zh-CN' : 'en';

@@ -43,6 +43,7 @@ export async function servePage(tls) {
 /** Opens the page for a service at the port. `errors` fills with what no page should do. */
 export async function openPage(context, url, port) {
   const page = await context.newPage();
+  page.setDefaultTimeout(90_000); // on a busy machine everything takes its time
   const errors = [];
   page.on('pageerror', (error) => errors.push(String(error)));
   page.on('request', (request) => {
@@ -57,8 +58,11 @@ export async function openPage(context, url, port) {
   return { page, errors };
 }
 
-/** What a picture of the page holds: its size and the box around its ink, in its own pixels. */
-export const inkOf = (page, selector) => page.locator(selector).evaluate((element) => {
+/**
+ * What a picture of the page holds: its size, the box around its ink in its own pixels, and whether there is ink near
+ * each of the places.
+ */
+export const inkOf = (page, selector, places = []) => page.locator(selector).evaluate((element, wanted) => {
   const canvas = document.createElement('canvas');
   const width = canvas.width = element.naturalWidth ?? element.width;
   const height = canvas.height = element.naturalHeight ?? element.height;
@@ -66,6 +70,7 @@ export const inkOf = (page, selector) => page.locator(selector).evaluate((elemen
   context.drawImage(element, 0, 0);
   const { data } = context.getImageData(0, 0, width, height);
   const box = { left: width, top: height, right: -1, bottom: -1 };
+  const near = wanted.map(() => false);
   let pixels = 0;
   for (let at = 0; at < data.length; at += 4) {
     const isInk = data[at + 3] > 127 && data[at] + data[at + 1] + data[at + 2] < 384;
@@ -77,6 +82,7 @@ export const inkOf = (page, selector) => page.locator(selector).evaluate((elemen
     box.right = Math.max(box.right, x);
     box.top = Math.min(box.top, y);
     box.bottom = Math.max(box.bottom, y);
+    wanted.forEach(([left, top], i) => { near[i] ||= Math.abs(left - x) < 8 && Math.abs(top - y) < 8; });
   }
-  return { width, height, pixels, box };
-});
+  return { width, height, pixels, box, near };
+}, places);

@@ -1,20 +1,22 @@
 // The real program with the virtual pad on a desktop of its own: X server, tray, home directory.
-import { spawn } from 'node:child_process';
+import { execFile, spawn } from 'node:child_process';
 import { once } from 'node:events';
 import { copyFile, mkdir, mkdtemp, rm, writeFile } from 'node:fs/promises';
 import net from 'node:net';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
 import { setTimeout as sleep } from 'node:timers/promises';
+import { promisify } from 'node:util';
 
 const BUILT = process.env.MVSIGNPAD_BIN_DIR;
 if (!BUILT) throw new Error('MVSIGNPAD_BIN_DIR must name the directory with the built program');
 
 // No command line but the program's own may hold its name: it looks for running copies of itself that way.
 const PROGRAM = 'mvsignpadsdk_wssvr';
-const PAD_LIBRARY = 'libmvsignpadsdk.so';
+const PAD_HEADER = 46; // window pixels above the pad's screen
+const STEPS_PER_LINE = 40;
 
-export async function until(condition, what, timeout = 20_000) {
+export async function until(condition, what, timeout = 90_000) {
   for (const end = Date.now() + timeout; Date.now() < end; await sleep(25)) {
     const value = await condition();
     if (value) return value;
@@ -45,10 +47,10 @@ async function end(child, signal = 'SIGTERM') {
   await ended;
 }
 
-/** An X server and a tray. `environment` is for what runs on it. */
-export async function startDesktop({ size = '1024x768' } = {}) {
+/** An X server, a tray, and a window manager if wanted. `environment` is for what runs on it. */
+export async function startDesktop({ windowManager } = {}) {
   const home = await mkdtemp(path.join(tmpdir(), 'signpad-home-'));
-  const server = spawn('Xvfb', ['-displayfd', '3', '-screen', '0', `${size}x24`, '-nolisten', 'tcp', '-noreset'],
+  const server = spawn('Xvfb', ['-displayfd', '3', '-screen', '0', '1024x768x24', '-nolisten', 'tcp', '-noreset'],
     { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] });
   const [number] = await once(server.stdio[3], 'data');
   const foreign = /^(QT_|XDG_|WAYLAND|DBUS_|MVSIGNPAD_VIRTUAL)/;
@@ -57,10 +59,12 @@ export async function startDesktop({ size = '1024x768' } = {}) {
     XDG_RUNTIME_DIR: home };
   const tray = spawn('trayer', ['--edge', 'bottom', '--align', 'right', '--widthtype', 'request', '--height', '32'],
     { env: environment, stdio: 'ignore' });
+  const manager = windowManager && spawn(windowManager, { env: environment, stdio: 'ignore' });
   return {
     home,
     environment,
     async stop() {
+      if (manager) await end(manager);
       await end(tray);
       await end(server);
       await rm(home, { recursive: true, force: true });
@@ -74,6 +78,32 @@ async function writeSettings(home, port) {
   await writeFile(path.join(directory, 'MVSignPadSDK_WSSvr.conf'),
     `[Settings]\nStartWebService=true\nUILangID=3\nWebSocketPort=${port}\n`);
 }
+
+/** Moves the real pointer and presses real keys of the desktop: arguments of xdotool. Returns what it prints. */
+export async function xdotool(desktop, ...words) {
+  const { stdout } = await promisify(execFile)('xdotool', words.flat().map(String), { env: desktop.environment });
+  return stdout.trim();
+}
+
+/** The window of the virtual pad, and where on the screen the pad's own pixel (0, 0) lies. */
+export async function padWindow(desktop, padWidth) {
+  const find = () => xdotool(desktop, 'search', '--onlyvisible', '--name', 'virtual signature pad').catch(() => '');
+  const id = await until(find, 'the window of the virtual pad');
+  const geometry = await xdotool(desktop, 'getwindowgeometry', '--shell', id);
+  const [x, y, width] = ['X', 'Y', 'WIDTH'].map((name) => Number(new RegExp(`^${name}=(.*)$`, 'm').exec(geometry)[1]));
+  return { id, x: x + (width - padWidth) / 2, y: y + PAD_HEADER };
+}
+
+/** Draws one stroke through the corners, as fast as a hand does. */
+export async function drawStroke(desktop, { x, y }, corners) {
+  const moveTo = ([left, top]) => ['mousemove', Math.round(x + left), Math.round(y + top)];
+  const way = corners.slice(1).flatMap((corner, i) => Array.from({ length: STEPS_PER_LINE }, (_, step) =>
+    corner.map((end, axis) => corners[i][axis] + (end - corners[i][axis]) * (step + 1) / STEPS_PER_LINE)));
+  const motion = way.flatMap((point) => [...moveTo(point), 'sleep', 0.01]);
+  await xdotool(desktop, moveTo(corners[0]), 'mousedown', 1, motion, 'mouseup', 1);
+}
+
+export const pressKey = (desktop, { id }, key) => xdotool(desktop, 'windowfocus', '--sync', id, 'key', key);
 
 /** A copy of the program in a directory without the pad's library: a machine where the driver is missing. */
 async function programWithoutPad(home) {
@@ -97,7 +127,7 @@ export async function startService(desktop, { port, virtual = {}, hasPad = true 
   await until(async () => {
     if (program.exitCode !== null) throw new Error(`the program ended (${program.exitCode}): does another copy run?`);
     return accepts(port);
-  }, 'the service to listen', 40_000);
+  }, 'the service to listen');
   return {
     isRunning: () => program.exitCode === null && program.signalCode === null,
     stop: (signal) => end(program, signal),
