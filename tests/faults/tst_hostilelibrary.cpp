@@ -48,7 +48,7 @@ const char *const everyCommand[] = {
 };
 
 /// Two million points and texts of 100 MB take their time, more so in a sanitizer's build.
-const int patienceMs = 120000;
+const int heavyAnswerMs = 120000;
 
 QString initialise(int device)
 {
@@ -113,10 +113,10 @@ void HostileLibraryTest::everyCommandIsAnswered()
     SignClient client;
     QVERIFY(client.connectTo(m_place->port()));
     for (const int device : {2, 5, 7, 3, 4}) {
-        QCOMPARE(client.command(initialise(device), patienceMs), replyText("InitialDevice", QStringLiteral("1")));
+        QCOMPARE(client.command(initialise(device), heavyAnswerMs), replyText("InitialDevice", QStringLiteral("1")));
         for (const char *command : everyCommand) {
             const QString request = QString::fromLatin1(command);
-            const QString reply = client.command(request, patienceMs);
+            const QString reply = client.command(request, heavyAnswerMs);
             const QString api = QStringLiteral("{\"API\":\"%1\",").arg(request.section(QLatin1Char('?'), 0, 0));
             QVERIFY2(reply.startsWith(api) && reply.endsWith(QLatin1String("\"}")), command);
         }
@@ -166,7 +166,7 @@ void HostileLibraryTest::twoMillionPointsTravel()
     SignClient client;
     QVERIFY(client.connectTo(m_place->port()));
     client.command(initialise(2));
-    const QString reply = client.command(QStringLiteral("GetPointer"), patienceMs);
+    const QString reply = client.command(QStringLiteral("GetPointer"), heavyAnswerMs);
     QVERIFY(reply.startsWith(
         QLatin1String("{\"API\":\"GetPointer\",\"Result\":\"[{\\\"Time\\\":\\\"7\\\",\\\"bStrokeEnd\\\":\\\"0\\\","
                       "\\\"pressure\\\":\\\"0\\\",\\\"x\\\":\\\"0\\\",")));
@@ -183,11 +183,11 @@ void HostileLibraryTest::hugeTextsTravel()
     client.command(initialise(2));
     const long before = m_place->residentKiB();
     for (const char *command : {"Encode?type=3", "GetSVGImageBase64Data", "GetInks"}) {
-        const QString reply = client.command(QString::fromLatin1(command), patienceMs);
+        const QString reply = client.command(QString::fromLatin1(command), heavyAnswerMs);
         QVERIFY2(reply.count(QLatin1Char('A')) >= 100000000, command);
     }
     // A picture that has not changed is not sent again.
-    QCOMPARE(client.command(QStringLiteral("GetOpaqueInks"), patienceMs), replyText("GetOpaqueInks", QString()));
+    QCOMPARE(client.command(QStringLiteral("GetOpaqueInks"), heavyAnswerMs), replyText("GetOpaqueInks", QString()));
     client.forget();
     client.command(QStringLiteral("UninitialDevice"));
     QTRY_VERIFY2(m_place->residentKiB() < before + 100 * 1024, "the memory of the texts is not given back");
