@@ -46,11 +46,13 @@ public:
         connect(&m_socket, &QWebSocket::disconnected, this, [this] {
             GiveUp(QStringLiteral("no connection to %1: %2").arg(m_options.url.toString(), m_socket.errorString()));
         });
-        QTimer::singleShot(m_options.nTimeoutMs, this, [this] {
+        connect(&m_timeout, &QTimer::timeout, this, [this] {
             GiveUp(QStringLiteral("no answer from %1 within %2 s")
                        .arg(m_options.url.toString())
                        .arg(m_options.nTimeoutMs / 1000.0));
         });
+        m_timeout.setSingleShot(true);
+        m_timeout.start(m_options.nTimeoutMs);
         m_socket.open(m_options.url);
     }
 
@@ -76,6 +78,7 @@ private:
 
     Options m_options;
     QWebSocket m_socket;
+    QTimer m_timeout;
 };
 
 /// A positive number of seconds in milliseconds, or 0.
