@@ -12,11 +12,11 @@
 
 namespace boost {
 // The project is built without exceptions; Boost asks for what to do instead.
-[[noreturn]] void throw_exception(const std::exception &)
+void throw_exception(const std::exception &)
 {
     std::abort();
 }
-[[noreturn]] void throw_exception(const std::exception &, const source_location &)
+void throw_exception(const std::exception &, const source_location &)
 {
     std::abort();
 }

@@ -117,7 +117,8 @@ struct Client {
 class Load
 {
 public:
-    Load(std::uint16_t port, int clients) : m_epoll(epoll_create1(0)), m_buffer(1 << 20), m_clients(clients)
+    Load(std::uint16_t port, int clients)
+        : m_epoll(epoll_create1(0)), m_buffer(1 << 20), m_clients(static_cast<std::size_t>(clients))
     {
         for (std::size_t i = 0; i < m_clients.size(); ++i) {
             m_clients[i].fd = Connect(port);

@@ -12,7 +12,8 @@ cmake -S . -B build-bench -G Ninja -DMVSIGNPAD_BENCH=ON -DBUILD_TESTING=OFF
 cmake --build build-bench
 npm --prefix bench/node ci --no-audit --no-fund
 
-mkdir -p build-bench/home
+mkdir -p -m 700 build-bench/home
+export HOME="$PWD/build-bench/home" XDG_RUNTIME_DIR="$PWD/build-bench/home"
 # With ports and a /tmp of its own where the machine permits it, and without the user's settings.
-HOME="$PWD/build-bench/home" tests/desktop/isolated.sh "$PWD" "$PWD/build-bench" node bench/run.mjs build-bench . "$@"
+tests/desktop/isolated.sh "$PWD" "$PWD/build-bench" node bench/run.mjs build-bench . "$@"
 gnuplot -e "data='build-bench/bench/plots'; images='docs/images'" bench/plots.gp
