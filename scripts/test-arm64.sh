@@ -31,6 +31,6 @@ install_arm64_tools
 cmake -S . -B build-arm64 -G Ninja -DBUILD_TESTING=ON -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-aarch64.cmake
 cmake --build build-arm64
 
-# With processes of their own: under emulation a test that kills what it started has been seen to kill every process in
-# its reach.
-exec unshare --user --map-root-user --mount --pid --fork --kill-child --mount-proc "$0" --inside
+# With processes of their own: a test whose emulation goes wrong has been seen to kill every process in its reach.
+exec unshare --user --map-root-user --mount --pid --fork --kill-child --mount-proc \
+    scripts/without-pidfd.py "$0" --inside
