@@ -60,7 +60,7 @@ export async function startDesktop({ windowManager } = {}) {
   const tray = spawn('trayer', ['--edge', 'bottom', '--align', 'right', '--widthtype', 'request', '--height', '32'],
     { env: environment, stdio: 'ignore' });
   const manager = windowManager && spawn(windowManager, { env: environment, stdio: 'ignore' });
-  return {
+  const desktop = {
     home,
     environment,
     async stop() {
@@ -70,6 +70,14 @@ export async function startDesktop({ windowManager } = {}) {
       await rm(home, { recursive: true, force: true });
     },
   };
+  if (manager) await until(() => isManaged(desktop), windowManager);
+  return desktop;
+}
+
+/** Whether a window manager is at work: it announces itself once it has taken over the windows and its keys. */
+async function isManaged({ environment }) {
+  const { stdout } = await promisify(execFile)('xprop', ['-root', '_NET_SUPPORTING_WM_CHECK'], { env: environment });
+  return stdout.includes('window id');
 }
 
 async function writeSettings(home, port) {
