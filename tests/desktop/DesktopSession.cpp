@@ -173,7 +173,7 @@ QProcess *DesktopSession::startHelper(const QString &program, const QStringList 
     helper->setStandardErrorFile(m_directory.filePath(QFileInfo(program).fileName() + QStringLiteral(".stderr")));
     helper->setWorkingDirectory(m_directory.path());
     helper->start(program, arguments);
-    return helper->waitForStarted(5000) ? helper : nullptr;
+    return helper->waitForStarted(patienceMs) ? helper : nullptr;
 }
 
 bool DesktopSession::startXServer()
@@ -183,7 +183,7 @@ bool DesktopSession::startXServer()
                                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                                     QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
                                     QStringLiteral("tcp"), QStringLiteral("-noreset")});
-    if (!server || !QTest::qWaitFor([server] { return server->canReadLine(); }, 20000))
+    if (!server || !QTest::qWaitFor([server] { return server->canReadLine(); }, patienceMs))
         return false;
     m_environment.insert(QStringLiteral("DISPLAY"),
                          QStringLiteral(":") + QString::fromLatin1(server->readLine().trimmed()));
@@ -198,7 +198,7 @@ bool DesktopSession::startBus()
     return writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8())
            && startHelper(QStringLiteral("dbus-daemon"),
                           {QStringLiteral("--nofork"), QStringLiteral("--config-file=") + configuration})
-           && QTest::qWaitFor([socket] { return QFile::exists(socket); }, 10000)
+           && QTest::qWaitFor([socket] { return QFile::exists(socket); }, patienceMs)
            && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
 }
 
@@ -207,18 +207,21 @@ bool DesktopSession::startTrayer()
     const QStringList place = QStringLiteral("--edge bottom --align left --widthtype pixel --width 64 "
                                              "--heighttype pixel --height 32 --SetDockType false --expand false")
                                   .split(QLatin1Char(' '));
-    return startHelper(QStringLiteral("trayer"), place) && QTest::qWaitFor([this] {
-               return !run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                                       QStringLiteral("--class"), QStringLiteral("trayer")})
-                           .isEmpty();
-           });
+    return startHelper(QStringLiteral("trayer"), place)
+           && QTest::qWaitFor(
+               [this] {
+                   return !run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                                           QStringLiteral("--class"), QStringLiteral("trayer")})
+                               .isEmpty();
+               },
+               patienceMs);
 }
 
 bool DesktopSession::startStatusNotifierHost()
 {
     return writeFile(home() + QStringLiteral("/.config/lxqt/panel.conf"), panelConfiguration)
            && startHelper(QStringLiteral("lxqt-panel"), {})
-           && QTest::qWaitFor([this] { return hasStatusNotifierHost(); }, 15000);
+           && QTest::qWaitFor([this] { return hasStatusNotifierHost(); }, patienceMs);
 }
 
 bool DesktopSession::hasStatusNotifierHost() const
@@ -236,7 +239,7 @@ QByteArray DesktopSession::run(const QString &program, const QStringList &argume
     QProcess process;
     process.setProcessEnvironment(m_environment);
     process.start(program, arguments);
-    process.waitForFinished(10000);
+    process.waitForFinished(patienceMs);
     return process.readAllStandardOutput();
 }
 
@@ -343,13 +346,13 @@ MenuPicture DesktopSession::clickForMenu() const
         readMenuRows(screenshot().copy(menu.area), menu);
         return menu.entryRows.size() > 1;
     };
-    return QTest::qWaitFor(newMenu) && QTest::qWaitFor(isDrawn) ? menu : MenuPicture();
+    return QTest::qWaitFor(newMenu, patienceMs) && QTest::qWaitFor(isDrawn, patienceMs) ? menu : MenuPicture();
 }
 
 bool DesktopSession::closeMenu(const MenuPicture &menu) const
 {
     run(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("Escape")});
-    return QTest::qWaitFor([&] { return !visibleWindows().contains(menu.window); });
+    return QTest::qWaitFor([&] { return !visibleWindows().contains(menu.window); }, patienceMs);
 }
 
 bool DesktopSession::chooseMenuEntry(int index) const

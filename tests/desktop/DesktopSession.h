@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/unit/support/Patience.h"
+
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -49,7 +51,7 @@ public:
     bool keepScreenshot(const QString &name) const;
     /// The area in which the program's icon shows; empty when it is nowhere on the screen.
     QRect iconArea() const;
-    bool waitForIcon(int timeoutMs = 10000) const;
+    bool waitForIcon(int timeoutMs = patienceMs) const;
 
     void click(const QPoint &point, int button = 1) const;
     /// Clicks on the icon with the right button and waits for the menu.

@@ -33,7 +33,7 @@ TrayProgram::~TrayProgram()
 bool TrayProgram::start()
 {
     m_process.start(m_file, QStringList());
-    return m_process.waitForStarted(5000);
+    return m_process.waitForStarted(patienceMs);
 }
 
 bool TrayProgram::waitForEnd(int timeoutMs)
@@ -54,10 +54,10 @@ QByteArray TrayProgram::output()
 
 bool TrayProgram::waitForListening(quint16 port)
 {
-    return QTest::qWaitFor([port] { return takesConnections(port); }, 10000);
+    return QTest::qWaitFor([port] { return takesConnections(port); }, patienceMs);
 }
 
 bool TrayProgram::waitForSilence(quint16 port)
 {
-    return QTest::qWaitFor([port] { return !takesConnections(port); }, 10000);
+    return QTest::qWaitFor([port] { return !takesConnections(port); }, patienceMs);
 }

@@ -14,7 +14,7 @@ public:
 
     bool start();
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
-    bool waitForEnd(int timeoutMs = 15000);
+    bool waitForEnd(int timeoutMs = patienceMs);
     /// -1 while it runs and when a signal ended it.
     int exitStatus() const;
     /// All that it wrote on its standard output and standard error so far.

@@ -62,9 +62,9 @@ void DiagnosticLogTest::runOnce()
     QVERIFY(client.connectTo(m_port));
     QCOMPARE(client.command(QStringLiteral("Clear")), QStringLiteral(R"({"API":"Clear","Result":"0"})"));
     QVERIFY(m_desktop->chooseMenuEntry(1));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")), patienceMs);
     QVERIFY(m_desktop->chooseMenuEntry(1));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
     QVERIFY(m_desktop->chooseMenuEntry(0));
     QVERIFY(client.waitForDisconnect());
     QVERIFY(m_desktop->chooseMenuEntry(2));

@@ -61,8 +61,8 @@ void PadWindowTest::init()
 {
     m_desktop.reset(new DesktopSession);
     QVERIFY(m_desktop->isUsable());
-    QVERIFY(m_desktop->startHelper(QStringLiteral("openbox"), {}));
     QVERIFY(m_desktop->startTrayer());
+    QVERIFY(m_desktop->startHelper(QStringLiteral("openbox"), {}));
     m_port = freePort();
 }
 
@@ -160,13 +160,14 @@ void PadWindowTest::pointerSigns()
 {
     QVERIFY(start());
     QCOMPARE(initialise(2), QStringLiteral("1"));
-    QTRY_VERIFY(padWindow() != 0);
+    QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0, patienceMs);
     ask(QStringLiteral("SetPenWidth?Width=6"));
     ask(QStringLiteral("SetPenStyle?Style=1")); // without pressure
     ask(QStringLiteral("SetPenColor?R=20&G=40&B=140"));
     QTest::qWait(300);
     draw(wave());
-    QTRY_VERIFY(ask(QStringLiteral("GetPointer")).contains(QLatin1String("\"bStrokeEnd\":\"1\"")));
+    QTRY_VERIFY_WITH_TIMEOUT(ask(QStringLiteral("GetPointer")).contains(QLatin1String("\"bStrokeEnd\":\"1\"")),
+                             patienceMs);
 
     const QJsonArray points = QJsonDocument::fromJson(ask(QStringLiteral("GetPointer")).toUtf8()).array();
     QVERIFY2(points.size() >= 30, qPrintable(QString::number(points.size())));
@@ -192,7 +193,8 @@ void PadWindowTest::pointerSigns()
 
     QCOMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("-1"));
     pressConfirm();
-    QTRY_COMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"));
+    QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"),
+                              patienceMs);
     QVERIFY(m_desktop->keepScreenshot(QStringLiteral("pad-window.png")));
     ask(QStringLiteral("Clear"));
     QCOMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("-1"));
@@ -215,25 +217,25 @@ void PadWindowTest::closingUnplugsThePad()
 {
     QVERIFY(start());
     QCOMPARE(initialise(2), QStringLiteral("1"));
-    QTRY_VERIFY(padWindow() != 0);
+    QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0, patienceMs);
     QTest::qWait(300);
     draw(wave());
-    QTRY_VERIFY(ask(QStringLiteral("GetSize")).toInt() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(ask(QStringLiteral("GetSize")).toInt() > 0, patienceMs);
     closePadWindow();
-    QTRY_COMPARE(ask(QStringLiteral("IsValid")), QStringLiteral("0"));
-    QTRY_COMPARE(padWindow(), qint64(0));
+    QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("IsValid")), QStringLiteral("0"), patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(padWindow(), qint64(0), patienceMs);
     QCOMPARE(ask(QStringLiteral("GetSize")), QStringLiteral("0"));
     QCOMPARE(ask(QStringLiteral("GetPointer")), QStringLiteral("[]"));
     QVERIFY(m_program->isRunning());
 
     QCOMPARE(initialise(3), QStringLiteral("1"));
     QCOMPARE(ask(QStringLiteral("IsValid")), QStringLiteral("1"));
-    QTRY_VERIFY(padWindow() != 0);
+    QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0, patienceMs);
     QTest::qWait(300);
     draw(wave());
-    QTRY_VERIFY(ask(QStringLiteral("GetSize")).toInt() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(ask(QStringLiteral("GetSize")).toInt() > 0, patienceMs);
     QCOMPARE(ask(QStringLiteral("UninitialDevice")), QStringLiteral("1"));
-    QTRY_COMPARE(padWindow(), qint64(0));
+    QTRY_COMPARE_WITH_TIMEOUT(padWindow(), qint64(0), patienceMs);
 }
 
 /// MVSIGNPAD_STRESS_SECONDS makes it longer than the usual ten seconds.
@@ -253,14 +255,14 @@ void PadWindowTest::serviceStopsAndStartsAtAnyMoment()
             QTest::qWait(int(random() % 200));
         }
         QCOMPARE(initialise(models[random() % 5]), QStringLiteral("1"));
-        QTRY_VERIFY(padWindow() != 0);
+        QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0, patienceMs);
         if (random() % 2)
             draw(wave().mid(0, 10));
         if (random() % 4 == 0)
             closePadWindow();
         QVERIFY(m_desktop->chooseMenuEntry(0));
         QVERIFY(TrayProgram::waitForSilence(m_port));
-        QTRY_COMPARE(padWindow(), qint64(0));
+        QTRY_COMPARE_WITH_TIMEOUT(padWindow(), qint64(0), patienceMs);
         QVERIFY(m_desktop->chooseMenuEntry(0));
         QVERIFY(TrayProgram::waitForListening(m_port));
         m_client.reset(new SignClient);
@@ -268,7 +270,7 @@ void PadWindowTest::serviceStopsAndStartsAtAnyMoment()
     }
     // Its last act, with the window open.
     QCOMPARE(initialise(2), QStringLiteral("1"));
-    QTRY_VERIFY(padWindow() != 0);
+    QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0, patienceMs);
     QVERIFY(m_desktop->chooseMenuEntry(2));
     QVERIFY(m_program->waitForEnd());
     QCOMPARE(m_program->exitStatus(), 0);

@@ -89,7 +89,7 @@ void ProgramTest::init()
 void ProgramTest::cleanup()
 {
     m_program.reset();
-    QTRY_VERIFY(m_desktop->iconArea().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
 }
 
 void ProgramTest::cleanupTestCase()
@@ -236,7 +236,8 @@ void ProgramTest::startAndStopThroughTheMenu()
     for (int round = 0; round < 2; ++round) {
         QVERIFY(m_desktop->chooseMenuEntry(startEntry));
         QVERIFY(TrayProgram::waitForListening(m_port));
-        QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")));
+        QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")),
+                                 patienceMs);
         SignClient client;
         QVERIFY(client.connectTo(m_port));
         QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
@@ -244,7 +245,8 @@ void ProgramTest::startAndStopThroughTheMenu()
         QVERIFY(m_desktop->chooseMenuEntry(startEntry));
         QVERIFY(client.waitForDisconnect());
         QVERIFY(TrayProgram::waitForSilence(m_port));
-        QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")));
+        QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")),
+                                 patienceMs);
     }
     QVERIFY(m_program->isRunning());
     exitThroughMenu();
@@ -310,7 +312,7 @@ void ProgramTest::portInUse()
 
     // Stopped, and started again once the port is free.
     QVERIFY(m_desktop->chooseMenuEntry(startEntry));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")), patienceMs);
     holder.reset();
     QVERIFY(m_desktop->chooseMenuEntry(startEntry));
     QVERIFY(TrayProgram::waitForListening(m_port));
@@ -391,8 +393,8 @@ void ProgramTest::closingAnotherWindowEndsNothing()
              QStringLiteral(R"({"API":"InitialDevice","Result":"1"})"));
     const int windows = m_desktop->visibleWindows().size();
     QCOMPARE(client.command(QStringLiteral("Clear")), QStringLiteral(R"({"API":"Clear","Result":"0"})"));
-    QTRY_VERIFY(m_desktop->visibleWindows().size() > windows);
-    QTRY_COMPARE(m_desktop->visibleWindows().size(), windows);
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->visibleWindows().size() > windows, patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(m_desktop->visibleWindows().size(), windows, patienceMs);
     QTest::qWait(500);
     QVERIFY(m_program->isRunning());
     QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));

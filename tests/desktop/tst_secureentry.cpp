@@ -152,7 +152,7 @@ void SecureEntryTest::secureEntryLeavesARunningServiceAlone()
 {
     build({QStringLiteral("StartWebService=true")});
     SignClient client;
-    QTRY_VERIFY(client.connectTo(m_port));
+    QTRY_VERIFY_WITH_TIMEOUT(client.connectTo(m_port), patienceMs);
     entry("Start Service (SSL)")->trigger();
     QVERIFY(!entry("Start Service")->isChecked());
     QVERIFY(entry("Start Service (SSL)")->isChecked());
@@ -209,7 +209,7 @@ void SecureEntryTest::exitOrder()
 {
     build({QStringLiteral("StartWebService=true"), QStringLiteral("StartWebServiceWithSSL=true")});
     SignClient client;
-    QTRY_VERIFY(client.connectTo(m_port));
+    QTRY_VERIFY_WITH_TIMEOUT(client.connectTo(m_port), patienceMs);
     bool writtenBefore = false;
     bool stoppedBefore = false;
     connect(m_manager.get(), &SysTrayMenuMgr::closed, this, [&] {

@@ -108,16 +108,16 @@ void TrayMenuTest::menuDrivesTheService()
 
     QVERIFY(m_desktop->chooseMenuEntry(0));
     QVERIFY(TrayProgram::waitForListening(m_port));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")), patienceMs);
 
     QVERIFY(m_desktop->chooseMenuEntry(0));
     QVERIFY(TrayProgram::waitForSilence(m_port));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")), patienceMs);
 
     QVERIFY(m_desktop->chooseMenuEntry(1));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")), patienceMs);
     QVERIFY(m_desktop->chooseMenuEntry(1));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
 
     QVERIFY(m_desktop->chooseMenuEntry(0));
     QVERIFY(TrayProgram::waitForListening(m_port));
@@ -164,7 +164,7 @@ void TrayMenuTest::hostGetsTheTexts()
     QVERIFY(startProgram(language.isEmpty() ? QStringList() : QStringList{QStringLiteral("UILangID=") + language}));
 
     const StatusNotifierItem item(m_desktop->busAddress());
-    QTRY_COMPARE(item.registeredItems().size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(item.registeredItems().size(), 1, patienceMs);
     QCOMPARE(item.toolTip(), toolTip);
     const QList<StatusNotifierItem::Entry> menu = item.menu();
     QCOMPARE(menu.size(), 5);
@@ -207,7 +207,7 @@ void TrayMenuTest::hostSeesTheSavedState()
     QVERIFY(startProgram(settings));
 
     const StatusNotifierItem item(m_desktop->busAddress());
-    QTRY_COMPARE(item.menu().size(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
     QCOMPARE(item.menu().at(0).toggleState, serviceRuns ? 1 : 0);
     QCOMPARE(item.menu().at(2).toggleState, 0);
     QVERIFY(serviceRuns ? TrayProgram::waitForListening(m_port) : TrayProgram::waitForSilence(m_port));

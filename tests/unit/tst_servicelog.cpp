@@ -85,7 +85,8 @@ void ServiceLogTest::offWritesNothing()
 void ServiceLogTest::lifeOfAService()
 {
     QVERIFY(m_client->close());
-    QTRY_VERIFY(maskedLines(threadLog()).contains(logLine("WebSocketService::socketDisconnected()", "Leave !")));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        maskedLines(threadLog()).contains(logLine("WebSocketService::socketDisconnected()", "Leave !")), patienceMs);
     const QString port = QString::number(m_service->port());
     compareInOrder({logLine("WebSocketThread::WebSocketThread()", QStringLiteral("Enter, nWebSocketPort=") + port),
                     logLine("WebSocketThread::run()", "Enter..."),
@@ -113,7 +114,7 @@ void ServiceLogTest::portInUse()
     QVERIFY(holder.listen(QHostAddress::Any, m_service->port()));
     m_service->start();
     const QString waiting = logLine("WebSocketThread::run()", "b4 call exec()...");
-    QTRY_VERIFY(maskedLines(threadLog()).contains(waiting));
+    QTRY_VERIFY_WITH_TIMEOUT(maskedLines(threadLog()).contains(waiting), patienceMs);
     m_service->stop();
     // No manager was made.
     QVERIFY(!maskedLines(threadLog()).contains(logLine("WebSocketService::WebSocketService()", "m_pSignObjMgr=P")));

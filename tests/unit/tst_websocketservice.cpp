@@ -290,7 +290,7 @@ void WebSocketServiceTest::pingIsAnswered()
     QByteArray payload;
     connect(&client.socket(), &QWebSocket::pong, this, [&](quint64, const QByteArray &bytes) { payload = bytes; });
     client.socket().ping("still there?");
-    QTRY_COMPARE(payload, QByteArray("still there?"));
+    QTRY_COMPARE_WITH_TIMEOUT(payload, QByteArray("still there?"), patienceMs);
 }
 
 void WebSocketServiceTest::abruptDisconnects()
@@ -370,7 +370,7 @@ void WebSocketServiceTest::rubbishAfterTheHandshake()
     QVERIFY(rude.waitForConnected());
     rude.write("GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
                "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
-    QTRY_VERIFY(rude.bytesAvailable() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(rude.bytesAvailable() > 0, patienceMs);
     QVERIFY(rude.readAll().startsWith("HTTP/1.1 101 "));
     rude.write(frame);
     rude.flush();
@@ -516,7 +516,7 @@ void WebSocketServiceTest::stopWithAHalfOpenConnection()
     halfOpen.flush();
     QTest::qWait(50);
     service.stop();
-    QTRY_COMPARE(halfOpen.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE_WITH_TIMEOUT(halfOpen.state(), QAbstractSocket::UnconnectedState, patienceMs);
 }
 
 void WebSocketServiceTest::stopBeforeItListens()
@@ -542,7 +542,7 @@ void WebSocketServiceTest::serviceClosesWithItsServer()
     int closed = 0;
     connect(&service, &WebSocketService::closed, this, [&] { ++closed; });
     service.findChildren<QWebSocketServer *>().constFirst()->close();
-    QTRY_COMPARE(closed, 1);
+    QTRY_COMPARE_WITH_TIMEOUT(closed, 1, patienceMs);
 }
 
 QTEST_GUILESS_MAIN(WebSocketServiceTest)

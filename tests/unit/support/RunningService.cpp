@@ -1,6 +1,7 @@
 #include "tests/unit/support/RunningService.h"
 
 #include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/Patience.h"
 
 #include <QTcpSocket>
 #include <QTest>
@@ -19,11 +20,12 @@ RunningService::~RunningService()
 
 bool RunningService::waitUntilListening(const QHostAddress &address) const
 {
-    return QTest::qWaitFor([this, address] {
+    const auto takesConnections = [this, address] {
         QTcpSocket probe;
         probe.connectToHost(address, m_port);
         return probe.waitForConnected(100);
-    });
+    };
+    return QTest::qWaitFor(takesConnections, patienceMs);
 }
 
 void RunningService::start()

@@ -52,7 +52,10 @@ bool SignClient::connectFrom(const QString &origin, quint16 port)
 bool SignClient::open(const QNetworkRequest &request)
 {
     m_socket.open(request);
-    return waitFor([this] { return isConnected(); }, 5000);
+    const auto isDecided = [this] {
+        return isConnected() || m_socket.state() == QAbstractSocket::UnconnectedState;
+    };
+    return waitFor(isDecided, patienceMs) && isConnected();
 }
 
 QString SignClient::request(const QString &text, int timeoutMs)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/unit/support/Patience.h"
+
 #include <QNetworkRequest>
 #include <QObject>
 #include <QStringList>
@@ -13,29 +15,29 @@ class SignClient : public QObject
 public:
     explicit SignClient(QObject *parent = nullptr);
 
-    /// Connects to ws://host:port followed by path. False when that fails or takes longer than 5 seconds.
+    /// Connects to ws://host:port followed by path. False when that fails or takes longer than patienceMs.
     bool connectTo(quint16 port, const QString &path = QStringLiteral("/"),
                    const QString &host = QStringLiteral("127.0.0.1"));
     /// The same with an Origin header of the caller's choice.
     bool connectFrom(const QString &origin, quint16 port);
 
     /// Sends one text message and waits for the next message. The null text when none comes in time.
-    QString request(const QString &text, int timeoutMs = 10000);
+    QString request(const QString &text, int timeoutMs = patienceMs);
     /// request() for "ws://localhost:PORT/MVSignSDK/" + command on the port of the connection.
-    QString command(const QString &command, int timeoutMs = 10000);
+    QString command(const QString &command, int timeoutMs = patienceMs);
 
     void send(const QString &text) { m_socket.sendTextMessage(text); }
     void sendCommand(const QString &command);
     /// Waits until that many text messages have come since the connection (or the last forget()).
-    bool waitForMessages(int count, int timeoutMs = 10000);
+    bool waitForMessages(int count, int timeoutMs = patienceMs);
     /// Sends one binary message and waits for the next binary message. Null when none comes in time.
-    QByteArray binaryRequest(const QByteArray &bytes, int timeoutMs = 10000);
+    QByteArray binaryRequest(const QByteArray &bytes, int timeoutMs = patienceMs);
 
     const QStringList &messages() const { return m_messages; }
     void forget() { m_messages.clear(); }
 
     bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
-    bool waitForDisconnect(int timeoutMs = 5000);
+    bool waitForDisconnect(int timeoutMs = patienceMs);
     /// Closes with the closing handshake and waits for its end.
     bool close();
     /// Breaks the connection off without a closing handshake.
