@@ -18,6 +18,7 @@
 namespace {
 
 constexpr std::size_t threadCount = 4;
+constexpr std::chrono::milliseconds pause(5); // a pad has 200 points a second to tell of
 const char enabled[] =
     R"({"API":"EnableRealtimeSigningNotification","Result":"0"})"; // no pad: 0, and enabled all the same
 
@@ -59,7 +60,7 @@ private:
             WebSocketServiceSignPadEventCallback(static_cast<int>(t) * 1000000 + n);
         else
             pushImage(QByteArray::number(static_cast<int>(t)) + '-' + QByteArray::number(n));
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(pause);
     }
 
     std::atomic<bool> m_finish{false};
@@ -487,7 +488,8 @@ void PushTest::serviceIsStoppedMeanwhile()
         for (const auto &client : clients)
             QVERIFY(client->waitForDisconnect());
         const int pushedBefore = pushers.pushedInAll();
-        QTRY_VERIFY(pushers.pushedInAll() > pushedBefore + 20); // they go on calling although nobody is there
+        QTRY_VERIFY_WITH_TIMEOUT(pushers.pushedInAll() > pushedBefore + 20,
+                                 patienceMs); // they go on calling although nobody is there
         pushers.finish();
         for (const auto &client : clients)
             compareGapless(*client, true);
