@@ -125,7 +125,8 @@ QVector<Way> recordedStrokes()
 {
     QVector<Way> strokes;
     qreal duration = 0.0;
-    for (const QPolygonF &marks : strokesOfTheName()) {
+    const QVector<QPolygonF> name = strokesOfTheName();
+    for (const QPolygonF &marks : name) {
         strokes.append(wayThrough(marks));
         duration += strokes.last().last().time;
     }

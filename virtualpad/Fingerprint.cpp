@@ -29,9 +29,9 @@ const Minutia kMinutiae[] = {
 /// Repeatable noise at a lattice point, from 0 to 1.
 qreal latticeNoise(int x, int y)
 {
-    quint32 hash = quint32(x) * 374761393u + quint32(y) * 668265263u;
-    hash = (hash ^ (hash >> 13)) * 1274126177u;
-    return ((hash ^ (hash >> 16)) & 0xffffu) / 65535.0;
+    quint32 hash = quint32(x) * 374761393U + quint32(y) * 668265263U;
+    hash = (hash ^ (hash >> 13)) * 1274126177U;
+    return ((hash ^ (hash >> 16)) & 0xffffU) / 65535.0;
 }
 
 /// Smooth noise from 0 to 1, whose spots are one unit wide.

@@ -154,7 +154,8 @@ QVector<QPolygonF> inkOutlines(const Ink &ink, const Pen &pen, const Placement &
 void paintInk(QPainter *pPainter, const Ink &ink, const Pen &pen, const Placement &placement)
 {
     pPainter->setRenderHint(QPainter::Antialiasing);
-    for (const QPolygonF &outline : inkOutlines(ink, pen, placement)) {
+    const QVector<QPolygonF> outlines = inkOutlines(ink, pen, placement);
+    for (const QPolygonF &outline : outlines) {
         QPainterPath path;
         path.setFillRule(Qt::WindingFill);
         path.addPolygon(outline);

@@ -89,8 +89,8 @@ int Pad::inkCount() const
         return m_ink.size();
     // The first point is there one sampling step after the pad was emptied.
     const double writtenMs = double(m_writing.nsecsElapsed()) / 1e6 * m_speed - kMsPerPoint + m_ink.first().timeMs;
-    const auto notYet = std::upper_bound(m_ink.begin(), m_ink.end(), writtenMs,
-                                         [](double time, const InkPoint &point) { return time < point.timeMs; });
+    const auto *const notYet = std::upper_bound(m_ink.begin(), m_ink.end(), writtenMs,
+                                                [](double time, const InkPoint &point) { return time < point.timeMs; });
     return int(notYet - m_ink.begin());
 }
 

@@ -36,6 +36,13 @@ struct News {
     int pictureType = 0;
 };
 
+/// The picture made last, for clients that ask again and again while nothing changes.
+struct LastPicture {
+    Drawing drawing;
+    PictureOptions options;
+    QByteArray encoded;
+};
+
 /// Everything starts afresh with every plugIn: ink, pen, clip, canvas, keys. Not thread-safe; see SharedPad.
 class Pad
 {
@@ -46,7 +53,7 @@ public:
     void unplug();
     /// A number that every plugIn and unplug makes a new one.
     quint64 session() const { return m_session; }
-    bool isPluggedIn(int deviceId) const { return m_pModel && m_pModel->deviceId == deviceId; }
+    bool isPluggedIn(int deviceId) const { return m_pModel != nullptr && m_pModel->deviceId == deviceId; }
     bool isSignedByHand() const { return m_signedByHand; }
     const PadModel &model() const { return *m_pModel; } ///< of the pad that is plugged in
     const QSize &size() const { return m_size; }
@@ -82,6 +89,7 @@ public:
     bool lcdOn = true;
     bool showsInformation = false; ///< device information on the LCD
     Ink decodedInk;                ///< of the last call of Base64Decode
+    LastPicture lastPicture;
 
 private:
     quint64 m_session = 0;

@@ -8,9 +8,9 @@ namespace virtualpad {
 namespace {
 
 const PadModel kModels[] = {
-    // ID name     sensor canvas
-    {2, "Alder", false, true},  {5, "Birch", false, false}, {7, "Cedar", true, false},
-    {3, "Maple", false, false}, {4, "Rowan", false, false},
+    // name  ID sensor canvas
+    {"Alder", 2, false, true},  {"Birch", 5, false, false}, {"Cedar", 7, true, false},
+    {"Maple", 3, false, false}, {"Rowan", 4, false, false},
 };
 
 } // namespace
@@ -27,8 +27,8 @@ QByteArray PadModel::padId() const
 
 const PadModel *findPadModel(int deviceId)
 {
-    const auto found = std::find_if(std::begin(kModels), std::end(kModels),
-                                    [deviceId](const PadModel &model) { return model.deviceId == deviceId; });
+    const auto *const found = std::find_if(std::begin(kModels), std::end(kModels),
+                                           [deviceId](const PadModel &model) { return model.deviceId == deviceId; });
     return found == std::end(kModels) ? nullptr : found;
 }
 

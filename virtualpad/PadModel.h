@@ -6,8 +6,8 @@
 namespace virtualpad {
 
 struct PadModel {
-    int deviceId;
     const char *name;
+    int deviceId;
     bool hasFingerprintSensor;
     bool hasWpsCanvas;
 

@@ -132,7 +132,8 @@ void PadSurface::touchEvent(QTouchEvent *pEvent)
         return;
     // One finger signs; any other rests.
     const QTouchEvent::TouchPoint &finger = pEvent->touchPoints().first();
-    const bool knowsForce = pEvent->device() && pEvent->device()->capabilities() & QTouchDevice::Pressure;
+    const QTouchDevice *const pDevice = pEvent->device();
+    const bool knowsForce = pDevice != nullptr && pDevice->capabilities().testFlag(QTouchDevice::Pressure);
     penTo(finger.pos(), knowsForce ? finger.pressure() : forceOfMotion(finger.pos()));
 }
 
@@ -201,7 +202,8 @@ QRect PadSurface::placeOfLastPoints() const
 {
     constexpr int kMovingPoints = 6;
     QPolygonF places;
-    for (const InkPoint &point : m_stroke.mid(std::max(0, m_stroke.size() - kMovingPoints)))
+    const Ink movingPoints = m_stroke.mid(std::max(0, m_stroke.size() - kMovingPoints));
+    for (const InkPoint &point : movingPoints)
         places.append(QPointF(point.x, point.y) * m_scale);
     const int reach = qCeil(m_view.drawing.pen.width * m_scale) + 2;
     return places.boundingRect().toAlignedRect().adjusted(-reach, -reach, reach, reach);

@@ -14,22 +14,22 @@ namespace virtualpad {
 namespace {
 
 struct PixelFormat {
-    int type;
     const char *writer;
+    int type;
     bool keepsTransparency;
 };
 
 const PixelFormat kPixelFormats[] = {
-    {BmpImage, "bmp", false},
-    {TransparentPngImage, "png", true},
-    {PngImage, "png", true},
-    {JpegImage, "jpg", false},
+    {"bmp", BmpImage, false},
+    {"png", TransparentPngImage, true},
+    {"png", PngImage, true},
+    {"jpg", JpegImage, false},
 };
 
 const PixelFormat *pixelFormat(int type)
 {
-    const auto found = std::find_if(std::begin(kPixelFormats), std::end(kPixelFormats),
-                                    [type](const PixelFormat &format) { return format.type == type; });
+    const auto *const found = std::find_if(std::begin(kPixelFormats), std::end(kPixelFormats),
+                                           [type](const PixelFormat &format) { return format.type == type; });
     return found == std::end(kPixelFormats) ? nullptr : found;
 }
 
@@ -45,7 +45,8 @@ struct View {
 QRectF inkBounds(const Drawing &drawing)
 {
     QRectF bounds;
-    for (const QPolygonF &outline : inkOutlines(drawing.ink, drawing.pen, Placement()))
+    const QVector<QPolygonF> outlines = inkOutlines(drawing.ink, drawing.pen, Placement());
+    for (const QPolygonF &outline : outlines)
         bounds |= outline.boundingRect();
     return bounds & QRectF(QPointF(), drawing.padSize);
 }
@@ -101,7 +102,8 @@ QByteArray svgOf(const Drawing &drawing, const PictureOptions &options)
     QByteArray svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height
                      + "\" viewBox=\"0 0 " + width + ' ' + height + "\">\n<g fill=\""
                      + drawing.pen.color.name().toLatin1() + "\" fill-rule=\"nonzero\">\n";
-    for (const QPolygonF &outline : inkOutlines(drawing.ink, drawing.pen, view.placement))
+    const QVector<QPolygonF> outlines = inkOutlines(drawing.ink, drawing.pen, view.placement);
+    for (const QPolygonF &outline : outlines)
         svg += "<path d=\"" + svgPath(outline) + "\"/>\n";
     return svg + "</g>\n</svg>\n";
 }
@@ -111,7 +113,7 @@ QByteArray svgOf(const Drawing &drawing, const PictureOptions &options)
 bool isTransparent(const PictureOptions &options)
 {
     const PixelFormat *const format = pixelFormat(options.type);
-    return format && format->keepsTransparency && !(options.type == PngImage && options.opaque);
+    return format != nullptr && format->keepsTransparency && !(options.type == PngImage && options.opaque);
 }
 
 QImage drawnImage(const Drawing &drawing, const PictureOptions &options)

@@ -25,7 +25,7 @@ enum ImageType {
 
 constexpr int kScreenDpi = 96; ///< at this resolution a pad pixel is one pixel of the picture
 constexpr int kMaxDpi = 2400;
-constexpr qint64 kMaxPicturePixels = 32 * 1024 * 1024;
+constexpr qint64 kMaxPicturePixels = 32LL * 1024 * 1024;
 
 /// Crops a picture to the ink with some room around it.
 struct Clip {

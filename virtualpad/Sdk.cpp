@@ -6,11 +6,9 @@
 #include "virtualpad/Fingerprint.h"
 #include "virtualpad/InkText.h"
 #include "virtualpad/OutputFile.h"
-#include "virtualpad/SharedPad.h"
-#include "virtualpad/WindowHost.h"
+#include "virtualpad/PadAccess.h"
 
 #include <algorithm>
-#include <array>
 
 using namespace virtualpad;
 
@@ -29,138 +27,6 @@ enum InfoType {
     SerialNumberInfo = 6, ///< text
     VersionInfo = 7,      ///< major and minor number
 };
-
-/// What action(pad) returns, with the state locked; NoSuchPad when the device ID's pad is not plugged in.
-template <typename Action>
-int withPad(int deviceId, Action action)
-{
-    SharedPad &shared = SharedPad::instance();
-    const std::lock_guard<std::mutex> lock(shared.mutex);
-    if (!shared.pad.isPluggedIn(deviceId))
-        return NoSuchPad;
-    return action(shared.pad);
-}
-
-/// withPad for an action that the pad's window shows.
-template <typename Action>
-int withSeenPad(int deviceId, Action action)
-{
-    const int result = withPad(deviceId, action);
-    updateWindow();
-    return result;
-}
-
-std::optional<Drawing> drawingOf(int deviceId)
-{
-    std::optional<Drawing> drawing;
-    withPad(deviceId, [&](Pad &pad) {
-        drawing = pad.drawing();
-        return Success;
-    });
-    return drawing;
-}
-
-/// The drawing in the wanted form, made anew only when something has changed since the last time.
-QByteArray pictureOf(const Drawing &drawing, const PictureOptions &options)
-{
-    SharedPad &shared = SharedPad::instance();
-    {
-        const std::lock_guard<std::mutex> lock(shared.mutex);
-        const LastPicture &last = shared.lastPicture;
-        if (last.options == options && last.drawing == drawing)
-            return last.encoded;
-    }
-    const QByteArray encoded = encodedDrawing(drawing, options);
-    const std::lock_guard<std::mutex> lock(shared.mutex);
-    shared.lastPicture = {drawing, options, encoded};
-    return encoded;
-}
-
-char *handOut(TextSource source, const QByteArray &text)
-{
-    SharedPad &shared = SharedPad::instance();
-    const std::lock_guard<std::mutex> lock(shared.mutex);
-    return shared.texts.handOut(source, text);
-}
-
-void takeBack(TextSource source, const char *pText)
-{
-    if (!pText)
-        return;
-    SharedPad &shared = SharedPad::instance();
-    const std::lock_guard<std::mutex> lock(shared.mutex);
-    if (!shared.texts.takeBack(source, pText))
-        complain(QStringLiteral("a text was given back twice, or through another text's free function"));
-}
-
-/// Null when there is nothing to hand out.
-char *handOutBase64(TextSource source, const QByteArray &data)
-{
-    return data.isEmpty() ? nullptr : handOut(source, data.toBase64());
-}
-
-char *handOutPicture(TextSource source, int deviceId, const PictureOptions &options)
-{
-    const std::optional<Drawing> drawing = drawingOf(deviceId);
-    return drawing ? handOutBase64(source, pictureOf(*drawing, options)) : nullptr;
-}
-
-int copyText(const QByteArray &text, char *pBuffer, int bufferBytes)
-{
-    if (!pBuffer || bufferBytes < 1)
-        return BadArgument;
-    const int length = std::min(text.size(), bufferBytes - 1);
-    std::copy_n(text.constData(), length, pBuffer);
-    pBuffer[length] = '\0';
-    return Success;
-}
-
-/// Copies the text of the pad, or the empty text when there is no such pad.
-template <typename TextOfPad>
-int copyPadText(int deviceId, char *pBuffer, int bufferBytes, TextOfPad textOfPad)
-{
-    QByteArray text;
-    const int result = withPad(deviceId, [&](Pad &pad) {
-        text = textOfPad(pad);
-        return Success;
-    });
-    const int copied = copyText(text, pBuffer, bufferBytes);
-    return result == Success ? copied : result;
-}
-
-using Numbers = std::array<int, 2>;
-
-/// Writes the pad's first `count` numbers, or zeros when there is no such pad.
-template <int count, typename NumbersOfPad>
-int copyNumbers(int deviceId, void *pOut, NumbersOfPad numbersOfPad)
-{
-    Numbers numbers{};
-    const int result = withPad(deviceId, [&](Pad &pad) {
-        numbers = numbersOfPad(pad);
-        return Success;
-    });
-    std::copy_n(numbers.begin(), count, static_cast<int *>(pOut));
-    return result;
-}
-
-/// Tells the callbacks what is new. They are called on the caller's thread with nothing locked: the pad has no thread
-/// of its own, and a callback may call back into the library.
-void deliverNews(int deviceId)
-{
-    News news;
-    withPad(deviceId, [&](Pad &pad) {
-        news = pad.takeNews();
-        return Success;
-    });
-    if (news.pfnPicture) {
-        PictureOptions options;
-        options.type = news.pictureType;
-        if (const std::optional<Drawing> drawing = drawingOf(deviceId))
-            news.pfnPicture(pictureOf(*drawing, options).toBase64().data());
-    }
-    if (news.pfnKey)
-        news.pfnKey(news.key);
-}
 
 /// Empty for a text with any character that is not of the alphabet.
 QByteArray decodedBase64(const char *pszBase64Data)

@@ -39,7 +39,7 @@ void deleteHost()
 bool hasWidgets()
 {
     const QCoreApplication *const pApplication = QCoreApplication::instance();
-    return pApplication && pApplication->inherits("QApplication") && !QCoreApplication::closingDown();
+    return pApplication != nullptr && pApplication->inherits("QApplication") && !QCoreApplication::closingDown();
 }
 
 bool isOnDesktop()
