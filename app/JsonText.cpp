@@ -9,17 +9,23 @@ constexpr int nBlock = 16;
 /// What a text of Qt can hold, less some room for what follows; asking for more would end the program.
 constexpr int nMaxBytes = std::numeric_limits<int>::max() - 1024;
 
-/// Nothing in the block needs an escape or more than one unit. One expression without a branch for all of it, so that
-/// compilers make vector instructions of it.
-bool IsPlainBlock(const ushort *pBlock)
+bool IsQuoted(ushort code)
 {
-    ushort special = 0;
+    return (code == '"') | (code == '\\');
+}
+
+/// The number of quotation marks and backslashes in a block of nothing but printable ASCII, or -1 when there is
+/// something else in it. Without a branch, so that compilers make vector instructions of it.
+int CountQuoted(const ushort *pBlock)
+{
+    ushort others = 0;
+    ushort quoted = 0;
     for (int i = 0; i < nBlock; ++i) {
         const auto code = static_cast<short>(pBlock[i]); // negative from 0x8000 on
-        // NOLINTNEXTLINE(readability-implicit-bool-conversion): the comparisons are numbers here
-        special |= static_cast<ushort>((code < 0x20) | (code > 0x7e) | (code == '"') | (code == '\\'));
+        others |= static_cast<ushort>((code < 0x20) | (code > 0x7e));
+        quoted = static_cast<ushort>(quoted + IsQuoted(pBlock[i]));
     }
-    return special == 0;
+    return others ? -1 : quoted;
 }
 
 /// Counts the units of a text.
@@ -27,7 +33,7 @@ struct UnitCounter {
     qint64 nUnits = 0;
 
     void Put(uint) { ++nUnits; }
-    void PutBlock(const ushort *) { nUnits += nBlock; }
+    void PutBlock(const ushort *, int nQuoted) { nUnits += nBlock + nQuoted; }
 };
 
 /// Writes the units of a text into room that was made before.
@@ -36,11 +42,19 @@ struct UnitWriter {
     Unit *pTo;
 
     void Put(uint unit) { *pTo++ = static_cast<Unit>(unit); }
-    void PutBlock(const ushort *pBlock)
+    void PutBlock(const ushort *pBlock, int nQuoted)
     {
-        for (int i = 0; i < nBlock; ++i)
-            pTo[i] = static_cast<Unit>(pBlock[i]);
-        pTo += nBlock;
+        if (nQuoted == 0) {
+            for (int i = 0; i < nBlock; ++i)
+                pTo[i] = static_cast<Unit>(pBlock[i]);
+            pTo += nBlock;
+            return;
+        }
+        for (int i = 0; i < nBlock; ++i) {
+            *pTo = '\\'; // overwritten when it is not wanted: faster than a branch that cannot be foreseen
+            pTo += IsQuoted(pBlock[i]);
+            *pTo++ = static_cast<Unit>(pBlock[i]);
+        }
     }
 };
 
@@ -138,8 +152,9 @@ void PutText(Output &output, const QString &text)
     const ushort *pAt = text.utf16();
     const ushort *const pEnd = pAt + text.size();
     while (pAt != pEnd) {
-        if (pEnd - pAt >= nBlock && IsPlainBlock(pAt)) {
-            output.PutBlock(pAt);
+        const int nQuoted = pEnd - pAt >= nBlock ? CountQuoted(pAt) : -1;
+        if (nQuoted >= 0) {
+            output.PutBlock(pAt, nQuoted);
             pAt += nBlock;
         } else {
             const ushort *const pStop = pEnd - pAt > nBlock ? pAt + nBlock : pEnd;

@@ -150,6 +150,7 @@ QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event
                 MV_LOG_PAD(operation, "%s", szChanged);
             strResult = ImageReply(event, strBase64);
             last = std::move(base64);
+            last.squeeze(); // the conversion leaves room to grow
         }
         release.pfn(Sdk::nDeviceID, pText);
         MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);

@@ -9,10 +9,8 @@
 
 namespace {
 
-/// A text of that many bytes went through memory that is worth giving back to the system, once none has been sent for
-/// a while.
-constexpr int nLargeText = 256 * 1024;
-constexpr int nQuietMs = 1000;
+/// How long after a text the memory that texts have gone through goes back to the system.
+constexpr int nTrimDelayMs = 1000;
 
 /// The header of a whole text message in one frame of a server, which does not mask.
 QByteArray FrameHeader(int nPayload)
@@ -35,11 +33,11 @@ QByteArray FrameHeader(int nPayload)
 } // namespace
 
 ClientConnections::ClientConnections(QWebSocketServer *pServer)
-    : QObject(pServer), m_pServer(pServer), m_pQuietTimer(new QTimer(this))
+    : QObject(pServer), m_pServer(pServer), m_pTrimTimer(new QTimer(this))
 {
-    m_pQuietTimer->setSingleShot(true);
-    m_pQuietTimer->setInterval(nQuietMs);
-    connect(m_pQuietTimer, &QTimer::timeout, this, [] { malloc_trim(0); });
+    m_pTrimTimer->setSingleShot(true);
+    m_pTrimTimer->setInterval(nTrimDelayMs);
+    connect(m_pTrimTimer, &QTimer::timeout, this, [] { malloc_trim(0); });
 }
 
 void ClientConnections::Add(const QWebSocket *pClient)
@@ -82,6 +80,6 @@ void ClientConnections::SendText(QWebSocket *pClient, const QByteArray &text)
     } else {
         pClient->sendTextMessage(QString::fromUtf8(text)); // a Qt that keeps its sockets elsewhere
     }
-    if (text.size() >= nLargeText)
-        m_pQuietTimer->start();
+    if (!m_pTrimTimer->isActive())
+        m_pTrimTimer->start();
 }

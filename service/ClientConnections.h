@@ -32,5 +32,5 @@ private:
 
     QWebSocketServer *m_pServer;
     QHash<const QWebSocket *, QTcpSocket *> m_connections; // owned by the clients
-    QTimer *m_pQuietTimer;                                 // child
+    QTimer *m_pTrimTimer;                                  // child
 };
