@@ -16,7 +16,8 @@
   let chosen = FORMATS[0];
   let downloadUrl = '';
 
-  const strokesOf = (points) => points.filter(({ strokeEnd }) => strokeEnd).length;
+  /** The stroke that is being written counts as well. */
+  const strokesOf = (points) => points.filter(({ strokeEnd }, i) => strokeEnd || i === points.length - 1).length;
 
   const kilobytes = (blob) => (blob.size / 1000).toFixed(1);
 

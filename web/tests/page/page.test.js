@@ -400,9 +400,17 @@ describe('beside the signing', () => {
     await notice(page, 'Ready to sign');
   });
 
-  test('a narrow screen needs no sideways scrolling', async (t) => {
-    const { port } = await service(t, { virtual: { SPEED: '0' } });
+  test('a narrow screen shows everything and needs no sideways scrolling', async (t) => {
+    const port = await freePort();
     const page = await visit(t, web.page, port, { ...ENGLISH, viewport: { width: 390, height: 800 } });
+    await notice(page, 'The signature service is not running');
+    const [words, paper] = await page.evaluate(() => ['notice', 'paper'].map((id) => {
+      const { scrollHeight, clientHeight } = document.getElementById(id);
+      return { scrollHeight, clientHeight };
+    }));
+    assert.equal(words.scrollHeight, words.clientHeight);
+    assert.equal(paper.scrollHeight, paper.clientHeight);
+    await service(t, { port, virtual: { SPEED: '0' } });
     await button(page, 'Start signing').click();
     await says(page, 'Signed: 600 points in 4 strokes.');
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 390);
