@@ -52,9 +52,7 @@ bool SignClient::connectFrom(const QString &origin, quint16 port)
 bool SignClient::open(const QNetworkRequest &request)
 {
     m_socket.open(request);
-    const auto isDecided = [this] {
-        return isConnected() || m_socket.state() == QAbstractSocket::UnconnectedState;
-    };
+    const auto isDecided = [this] { return isConnected() || m_socket.state() == QAbstractSocket::UnconnectedState; };
     return waitFor(isDecided, patienceMs) && isConnected();
 }
 
