@@ -3,7 +3,24 @@
 #include "app/Logging.h"
 #include "service/WebSocketService.h"
 
+#include <QAbstractEventDispatcher>
+
 #include <utility>
+
+namespace {
+
+/// Stops every timer of an object and its children. A timer that runs while its object changes threads starts again
+/// from the event loop of the new thread, and Qt leaks the note of it when the object is deleted before that.
+void StopTimers(QObject *pObject)
+{
+    QAbstractEventDispatcher *const pDispatcher = QAbstractEventDispatcher::instance();
+    pDispatcher->unregisterTimers(pObject);
+    const QObjectList children = pObject->findChildren<QObject *>();
+    for (QObject *pChild : children)
+        pDispatcher->unregisterTimers(pChild);
+}
+
+} // namespace
 
 WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy)
     : QThread(parent), m_nWebSocketPort(nWebSocketPort), m_accessPolicy(std::move(accessPolicy))
@@ -33,6 +50,7 @@ void WebSocketThread::run()
     MV_LOG_INSIDE_THREAD(tag, "b4 call exec()...");
     exec();
     // The thread that owns this object deletes the service: its sockets must not wait for this one's event loop.
+    StopTimers(m_pWebSocketService.get());
     m_pWebSocketService->moveToThread(thread());
     MV_LOG_INSIDE_THREAD(tag, "after call exec() and Leave !");
 }
