@@ -1,6 +1,9 @@
 #!/usr/bin/env bash
-# The main job from end to end, with the virtual pad: builds the service, captures a signature through real WebSocket
-# requests and leaves the pictures in demo-output/. Uses a HOME of its own.
+# Signing with the virtual pad, on a service built for it that has settings and a home directory of its own.
+#
+# On a desktop with a browser (the one that $BROWSER names, or the user's): opens the demo page and the pad's window,
+# until Ctrl-C or Exit in the tray menu. Elsewhere: captures a signature through real WebSocket requests and leaves the
+# pictures in demo-output/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,7 +20,7 @@ fail() {
 if pgrep -f "${program##*/}" >/dev/null; then
     fail "the service is running already; end it through its tray menu and try again."
 fi
-install_missing "${build_packages[@]}" "${desktop_packages[@]}"
+install_missing "${build_packages[@]}" procps
 if (exec 3<>/dev/tcp/localhost/$port) 2>/dev/null; then
     fail "another program listens on port $port."
 fi
@@ -36,7 +39,17 @@ clean_up() {
 trap clean_up EXIT
 
 # -- a desktop ------------------------------------------------------------------------------------------------------
+has_desktop() {
+    [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]
+}
+find_browser() {
+    local name
+    for name in ${BROWSER:+"$BROWSER"} xdg-open x-www-browser; do
+        command -v "$name" && return
+    done
+}
 start_desktop() {
+    install_missing "${desktop_packages[@]}"
     Xvfb -displayfd 3 -screen 0 1024x768x24 3>"$work/display" 2>/dev/null &
     started+=($!)
     for _ in {1..100}; do [ -s "$work/display" ] && break || sleep 0.1; done
@@ -47,29 +60,37 @@ start_desktop() {
     trayer --edge bottom --align right --widthtype request --height 32 >/dev/null 2>&1 &
     started+=($!)
 }
-if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
-    echo "demo: on the running desktop"
-else
-    echo "demo: no desktop here, on Xvfb with a tray"
-    start_desktop
-fi
 
 # -- the service ----------------------------------------------------------------------------------------------------
-export HOME=$work
-: "${XDG_RUNTIME_DIR:=$work}"
-export XDG_RUNTIME_DIR
-mkdir -p "$HOME/.config/mvsignpadsdk"
-printf '[Settings]\nStartWebService=true\nUILangID=3\nWebSocketPort=%s\n' "$port" \
-    >"$HOME/.config/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"
-MVSIGNPAD_VIRTUAL_WINDOW=0 "$program" &
-started+=($!)
-
 request() {
     build/bin/mvsignctl --port "$port" --timeout 30 "$@"
 }
-for _ in {1..300}; do request GetSize >/dev/null 2>&1 && break || sleep 0.1; done
-request GetSize >/dev/null || fail "the service did not start; is there a system tray?"
+# start_service WINDOW: with the pad's window (1) or without (0).
+start_service() {
+    mkdir -p "$work/.config/mvsignpadsdk"
+    printf '[Settings]\nStartWebService=true\nUILangID=3\nWebSocketPort=%s\n' "$port" \
+        >"$work/.config/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"
+    env -u XDG_CONFIG_HOME HOME="$work" XAUTHORITY="${XAUTHORITY:-$HOME/.Xauthority}" \
+        XDG_RUNTIME_DIR="${XDG_RUNTIME_DIR:-$work}" MVSIGNPAD_VIRTUAL_WINDOW="$1" "$program" &
+    service=$!
+    started+=("$service")
+    for _ in {1..300}; do request GetSize >/dev/null 2>&1 && return || sleep 0.1; done
+    fail "the service did not start; is there a system tray?"
+}
 
+# -- signed by hand -------------------------------------------------------------------------------------------------
+sign_by_hand() {
+    local page="file://$PWD/web/demo/index.html?port=$port"
+    start_service 1
+    echo "demo: sign on $page"
+    echo "demo: Ctrl-C, or Exit in the tray menu, ends it"
+    trap 'exit 0' INT TERM
+    # The browser is the user's own: it outlives the demo.
+    setsid -f "$browser" "$page" >/dev/null 2>&1
+    wait "$service"
+}
+
+# -- captured -------------------------------------------------------------------------------------------------------
 # Sends a request, prints it and its reply, each cut to a line, and leaves the result in $result.
 ask() {
     local call=$1 line
@@ -85,43 +106,64 @@ picture() {
     local image=${result#*\"Image\":\"}
     base64 -d <<<"${image%%\"*}"
 }
+wait_for_confirmation() {
+    local key=-1
+    for _ in {1..600}; do
+        key=$(request GetDeviceConfirmOrCancelKeyStatus)
+        [ -t 1 ] && printf '\r  signing: %s points ' "$(request GetSize)"
+        [ "$key" = -1 ] && sleep 0.1 || break
+    done
+    [ -t 1 ] && printf '\r'
+    [ "$key" = 1 ] || fail "the signature was not confirmed."
+}
+capture_signature() {
+    echo "A signature on the Alder pad:"
+    ask InitialDevice id=2 width=800 height=480
+    ask SetPenColor R=20 G=40 B=120
+    ask SetPenWidth Width=4
+    wait_for_confirmation
+    ask GetDeviceConfirmOrCancelKeyStatus
+    ask GetSize
+    ask GetPointer
+    printf '%s\n' "$result" >"$output/points.json"
+    ask GetInks
+    picture >"$output/signature-transparent.png"
+    ask SaveDrawingImage type=3 dpi=300 path="$work/signature.png"
+    cp "$result" "$output/signature.png"
+    ask GetSVGImageBase64Data
+    base64 -d <<<"$result" >"$output/signature.svg"
+}
+capture_wps_signature() {
+    echo "A WPS signature with name and date:"
+    ask UpdateWPSSettings id=1 dt=1 af=0 pw=4 name='Lena Vale 简'
+    ask WPSSignConfirmed id=1
+    cp "$result" "$output/wps-signature.png"
+}
+capture_fingerprint() {
+    echo "A fingerprint on the Cedar pad:"
+    ask InitialDevice id=7 width=800 height=480
+    ask GetFingerPrintImage FPImageOnly=1
+    picture >"$output/fingerprint.png"
+    ask UninitialDevice
+}
+capture() {
+    start_service 0
+    rm -rf "$output"
+    mkdir "$output"
+    capture_signature
+    capture_wps_signature
+    capture_fingerprint
+    echo "The pictures are in $output:"
+    (cd "$output" && for file in *; do [ -s "$file" ] || fail "$file is empty."; echo "  $file"; done)
+}
 
-rm -rf "$output"
-mkdir "$output"
-
-echo "A signature on the Alder pad:"
-ask InitialDevice id=2 width=800 height=480
-ask SetPenColor R=20 G=40 B=120
-ask SetPenWidth Width=4
-key=-1
-for _ in {1..600}; do
-    key=$(request GetDeviceConfirmOrCancelKeyStatus)
-    [ -t 1 ] && printf '\r  signing: %s points ' "$(request GetSize)"
-    [ "$key" = -1 ] && sleep 0.1 || break
-done
-[ -t 1 ] && printf '\r'
-[ "$key" = 1 ] || fail "the signature was not confirmed."
-ask GetDeviceConfirmOrCancelKeyStatus
-ask GetSize
-ask GetPointer
-printf '%s\n' "$result" >"$output/points.json"
-ask GetInks
-picture >"$output/signature-transparent.png"
-ask SaveDrawingImage type=3 dpi=300 path="$work/signature.png"
-cp "$result" "$output/signature.png"
-ask GetSVGImageBase64Data
-base64 -d <<<"$result" >"$output/signature.svg"
-
-echo "A WPS signature with name and date:"
-ask UpdateWPSSettings id=1 dt=1 af=0 pw=4 name='Lena Vale 简'
-ask WPSSignConfirmed id=1
-cp "$result" "$output/wps-signature.png"
-
-echo "A fingerprint on the Cedar pad:"
-ask InitialDevice id=7 width=800 height=480
-ask GetFingerPrintImage FPImageOnly=1
-picture >"$output/fingerprint.png"
-ask UninitialDevice
-
-echo "The pictures are in $output:"
-(cd "$output" && for file in *; do [ -s "$file" ] || fail "$file is empty."; echo "  $file"; done)
+if has_desktop && browser=$(find_browser); then
+    sign_by_hand
+elif has_desktop; then
+    echo "demo: no browser here, capturing on the running desktop"
+    capture
+else
+    echo "demo: no desktop here, on Xvfb with a tray"
+    start_desktop
+    capture
+fi
