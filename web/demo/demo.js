@@ -301,7 +301,7 @@
   function showInk(points) {
     view.show(points);
     if (points.length === 0) stopwatch = null;
-    else stopwatch = { first: stopwatch?.first ?? performance.now(), last: performance.now() };
+    else if (points.length !== shownInk.length) stopwatch = { first: stopwatch?.first ?? performance.now(), last: performance.now() };
     if (points.length > 0) find('paper-hint').hidden = true;
     shownInk = points;
     renderGauges();
