@@ -122,19 +122,23 @@ void PadSurface::tabletEvent(QTabletEvent *pEvent)
 void PadSurface::touchEvent(QTouchEvent *pEvent)
 {
     pEvent->accept();
-    if (pEvent->type() == QEvent::TouchBegin) {
+    const QList<QTouchEvent::TouchPoint> &fingers = pEvent->touchPoints();
+    if (pEvent->type() == QEvent::TouchBegin && !fingers.isEmpty()) {
         m_motion.invalidate();
         m_penDown = true;
+        m_finger = fingers.first().id();
     }
-    if (pEvent->type() == QEvent::TouchEnd || pEvent->type() == QEvent::TouchCancel || pEvent->touchPoints().isEmpty())
+    // The first finger signs; any other rests.
+    const auto finger = std::find_if(fingers.begin(), fingers.end(),
+                                     [this](const QTouchEvent::TouchPoint &any) { return any.id() == m_finger; });
+    if (pEvent->type() == QEvent::TouchEnd || pEvent->type() == QEvent::TouchCancel || finger == fingers.end()
+        || finger->state() == Qt::TouchPointReleased)
         return liftPen();
     if (!m_penDown)
         return;
-    // One finger signs; any other rests.
-    const QTouchEvent::TouchPoint &finger = pEvent->touchPoints().first();
     const QTouchDevice *const pDevice = pEvent->device();
     const bool knowsForce = pDevice != nullptr && pDevice->capabilities().testFlag(QTouchDevice::Pressure);
-    penTo(finger.pos(), knowsForce ? finger.pressure() : forceOfMotion(finger.pos()));
+    penTo(finger->pos(), knowsForce ? finger->pressure() : forceOfMotion(finger->pos()));
 }
 
 /// A mouse knows no force. A hand that moves slowly presses harder: that makes a living line of its motion.

@@ -51,6 +51,7 @@ private:
     Ink m_stroke;     ///< the end of the stroke that is being written
     bool m_isEmpty = true;
     bool m_penDown = false;
+    int m_finger = 0;       ///< that signs
     QElapsedTimer m_motion; ///< since the last event of a pointer that knows no force
     QPointF m_motionFrom;
     qreal m_force = 0.0;

@@ -286,6 +286,22 @@ private Q_SLOTS:
         QCOMPARE(strokeEnds(points), (QList<int>{0, 0, 1}));
     }
 
+    void aSecondFingerRests()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialise(400, 300));
+        QWidget *const pSurface = surfaceOf(padWindow());
+        QTouchDevice *const pDevice = QTest::createTouchDevice();
+        QTest::touchEvent(pSurface, pDevice).press(0, QPoint(30, 40), pSurface);
+        QTest::touchEvent(pSurface, pDevice).move(0, QPoint(50, 45), pSurface).press(1, QPoint(200, 200), pSurface);
+        QTest::touchEvent(pSurface, pDevice).release(0, QPoint(50, 45), pSurface).stationary(1);
+        QTest::touchEvent(pSurface, pDevice).move(1, QPoint(210, 200), pSurface);
+        QTest::touchEvent(pSurface, pDevice).release(1, QPoint(210, 200), pSurface);
+        const QList<TestPoint> points = pad.points();
+        QCOMPARE(positions(points), (QList<QPoint>{{30, 40}, {50, 45}}));
+        QCOMPARE(strokeEnds(points), (QList<int>{0, 1}));
+    }
+
     void beyondTheEdgeThePenIsLifted()
     {
         LoadedPad pad;
