@@ -185,24 +185,15 @@ const Command commandTable[nCommandCount] = {
 };
 // clang-format on
 
-QStringList Command::Keys() const
-{
-    QStringList names;
-    for (const char *key : keys) {
-        if (key)
-            names += QString::fromLatin1(key);
-    }
-    return names;
-}
-
 std::optional<QStringList> Command::Values(const QString &strMsg) const
 {
-    const QStringList names = Keys();
     const QMap<QString, QString> parameters = ParseUrlParameters(strMsg);
-    if (parameters.size() != names.size())
-        return {};
     QStringList values;
-    for (const QString &name : names)
-        values += parameters.value(name);
+    for (const char *key : keys) {
+        if (key)
+            values += parameters.value(QLatin1String(key));
+    }
+    if (parameters.size() != values.size())
+        return {};
     return values;
 }
