@@ -148,7 +148,6 @@
     pad.addEventListener('disconnect', () => {
       extras.update({ pad: null, isOpen: false });
       say({ service: ['stateLost', 'bad'] });
-      renderButtons();
     });
     pad.addEventListener('reconnecting', ({ detail: { attempt, delay } }) => say({
       notice: { name: 'lost', tone: 'bad', values: { attempt, seconds: (delay / 1000).toFixed(1) } },
@@ -164,7 +163,6 @@
       notice: idleNotice(),
       status: ['statusConnected', { url: pad.url }],
     });
-    renderButtons();
   }
 
   function disconnect() {
@@ -175,7 +173,6 @@
     pad = null;
     extras.update({ pad: null, isOpen: false });
     say({ service: ['stateClosed', 'off'], notice: { name: 'closed', action: 'connect', act: connect }, status: null });
-    renderButtons();
   }
 
   // ---- Signing -----------------------------------------------------------------------------------------------------

@@ -80,7 +80,6 @@
     const image = await now.pad.getFingerPrintImage(find('fingerprint-only').checked);
     if (image) {
       find('fingerprint-picture').src = image.dataURL;
-      find('fingerprint-picture').alt = t('fingerprintAlt');
       find('fingerprint-picture').hidden = false;
     }
     fingerprintStatus(image ? 'fingerprintGot' : 'fingerprintNone');
@@ -100,6 +99,7 @@
     find('wps-picture').title = signature ? '' : t('pictureNeedsInk');
     find('lcd').hidden = !hasLcd;
     find('lcd-on').disabled = find('lcd-off').disabled = !isOpen;
+    find('fingerprint-picture').alt = t('fingerprintAlt');
     find('fingerprint').hidden = !MODELS_WITH_FINGERPRINT.has(model);
     find('fingerprint-get').disabled = find('fingerprint-show').disabled = !isOpen;
   }

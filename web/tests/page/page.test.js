@@ -257,6 +257,8 @@ describe("with a hand at the pad's window", () => {
     await until(async () => await page.locator('#gauge-strokes').textContent() === '1', 'the first stroke');
     await drawStroke(desktop, pad, [[220, 350], [600, 350]]);
     await until(async () => await page.locator('#gauge-strokes').textContent() === '2', 'the second stroke');
+    await until(() => page.locator('#gauge-pressure').evaluate(({ value }) => value === 0), 'the pen to be lifted');
+    const time = await page.locator('#gauge-time').textContent();
     const preview = await inkOf(page, '#ink');
     assert.ok(Math.abs(preview.box.left / preview.width - 150 / 800) < 0.01, `${preview.box.left} of ${preview.width}`);
     await xdotool(desktop, 'mousemove', 5, 700);
@@ -264,6 +266,7 @@ describe("with a hand at the pad's window", () => {
 
     await pressKey(desktop, pad, 'Return');
     await says(page, /^Signed: \d+ points in 2 strokes\.$/);
+    assert.equal(await page.locator('#gauge-time').textContent(), time, 'the clock stands still after the last ink');
     await page.getByText('800 × 480 pixels').waitFor();
     const { box, near } = await inkOf(page, '#picture', [[150, 200], [400, 350], [185, 350], [400, 200]]);
     for (const [side, value] of Object.entries({ left: 150, top: 100, right: 600, bottom: 350 })) {
@@ -327,14 +330,18 @@ describe('two tabs', () => {
   }
 
   test('that know nothing of each other get their own replies', async (t) => {
-    const { port } = await service(t, { virtual: { SPEED: '0.5' } });
+    const { port } = await service(t, { virtual: { SPEED: '0.2' } });
     const first = await visit(t, web.page, port);
     const second = await visit(t, FILE_PAGE, port);
     await button(first, 'Start signing').click();
     await until(async () => await points(first) > 20, 'ink in the first tab');
     await button(second, 'Start signing').click();
     await says(first, 'Another page cleared or reopened the pad.');
-    await Promise.all([first, second].map((page) => says(page, 'Signed: 600 points in 4 strokes.')));
+    for (const page of [first, second]) await until(async () => await points(page) > 60, 'the common ink');
+    for (const page of [first, second]) {
+      await button(page, 'Confirm').click();
+      await says(page, /^Signed: \d+ points/);
+    }
   });
 });
 
@@ -411,6 +418,7 @@ describe('beside the signing', () => {
     assert.equal(words.scrollHeight, words.clientHeight);
     assert.equal(paper.scrollHeight, paper.clientHeight);
     await service(t, { port, virtual: { SPEED: '0' } });
+    await button(page, 'Try again').click();
     await button(page, 'Start signing').click();
     await says(page, 'Signed: 600 points in 4 strokes.');
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 390);
