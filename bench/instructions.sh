@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Counts the instructions of three fixed pieces of work and compares them with bench/instructions.txt.
+# Counts the instructions of three fixed pieces of work and compares them with bench/instructions.txt, or writes them
+# there when MVSIGNPAD_RECORD_INSTRUCTIONS is set.
 #
-# usage: instructions.sh BENCH_BUILD_DIR QT_VERSION COMPILER [--record]
+# usage: instructions.sh BENCH_BUILD_DIR QT_VERSION COMPILER
 #
 # Ends with 77 when the recorded numbers are of other versions.
 set -euo pipefail
@@ -39,7 +40,7 @@ counted=$(
 echo "$versions"
 echo "$counted"
 
-if [ "${4-}" = --record ]; then
+if [ -n "${MVSIGNPAD_RECORD_INSTRUCTIONS-}" ]; then
     { sed '/^#/!d' "$here/instructions.txt"; echo "$versions"; echo "$counted"; } >"$here/instructions.new"
     mv "$here/instructions.new" "$here/instructions.txt"
     exit

@@ -3,7 +3,7 @@
 build_packages=(cmake ninja-build g++ qtbase5-dev libqt5websockets5-dev)
 # A desktop without a screen: the server, a tray, fonts for the menu's texts, tools to look and click.
 desktop_packages=(xvfb trayer xdotool imagemagick x11-utils procps fonts-dejavu-core fonts-noto-cjk)
-test_packages=(dbus openbox lxqt-panel util-linux iproute2 desktop-file-utils librsvg2-bin icoutils binutils file
+test_packages=(valgrind dbus openbox lxqt-panel util-linux iproute2 desktop-file-utils librsvg2-bin icoutils binutils file
     nodejs npm chromium openssl)
 
 # The cross-compiler, the emulator, and the target's libraries beside the machine's own.
