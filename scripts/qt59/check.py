@@ -25,6 +25,8 @@ BRIDGE = ROOT / "app" / "QtCompat.h"
 # Overloads that took over a call of an older one by their default arguments, and how many arguments that call has.
 TOOK_OVER = {"QString::split": 1, "QString::splitRef": 1, "QStringRef::split": 1, "QThread::wait": 0,
              "QWaitCondition::wait": 1}
+# Overloads that took over the calls with a QLatin1String, which Qt 5.9 turns into a QString by itself.
+TOOK_LATIN1 = {"QJsonObject::insert", "QString::arg"}
 
 
 def read_table():
@@ -76,6 +78,8 @@ def place(cursor, build):
 
 def is_as_before(cursor, name):
     """Whether a mention of a newer overload means an older one when it is built with Qt 5.9."""
+    if name in TOOK_LATIN1:
+        return "QLatin1String" in [argument.type.spelling for argument in cursor.referenced.get_arguments()]
     if name not in TOOK_OVER:
         return False
     given = [argument for argument in cursor.get_arguments() if argument.extent.start.file]

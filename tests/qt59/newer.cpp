@@ -39,6 +39,7 @@ int UseNewer(QObject *object, const QString &text, QThread *thread, QWebSocketSe
     const QString shorter = text.chopped(1); // Qt 5.10
     const bool upper = text.isUpper(); // Qt 5.12
     const QStringView view(text); // Qt 5.10
+    const QString filled = shorter.arg(view); // Qt 5.10
     const bool starts = text.startsWith(view); // Qt 5.10
     const quint32 number = QRandomGenerator::global()->generate(); // Qt 5.10
     server->setHandshakeTimeout(1000); // Qt 5.14
@@ -47,7 +48,7 @@ int UseNewer(QObject *object, const QString &text, QThread *thread, QWebSocketSe
     thread->setObjectName(qEnvironmentVariable("HOME")); // Qt 5.10
     const QSet<QString> set(parts.begin(), parts.end()); // Qt 5.14
     const qsizetype bytes = QImage(1, 1, QImage::Format_Grayscale16).sizeInBytes(); // Qt 5.13 // Qt 5.10
-    QTextStream(stdout) << shorter << Qt::endl; // Qt 5.14
+    QTextStream(stdout) << filled << Qt::endl; // Qt 5.14
     const QDateTime day = QDate(2020, 1, 1).startOfDay(); // Qt 5.14
     QMap<int, int> map;
     map.insert(QMap<int, int>()); // Qt 5.15
