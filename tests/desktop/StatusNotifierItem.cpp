@@ -74,6 +74,7 @@ QString StatusNotifierItem::toolTip() const
     const QDBusArgument argument = value.value<QDBusArgument>();
     QString icon;
     QString title;
+    QString text;
     argument.beginStructure();
     argument >> icon;
     argument.beginArray();
@@ -86,7 +87,8 @@ QString StatusNotifierItem::toolTip() const
         argument.endStructure();
     }
     argument.endArray();
-    argument >> title;
+    argument >> title >> text;
+    argument.endStructure();
     return title;
 }
 

@@ -172,6 +172,7 @@ void MvsignctlTest::connectionLostBeforeTheReply()
     QVERIFY(rude.listen(QHostAddress::LocalHost));
     connect(&rude, &QWebSocketServer::newConnection, this, [&] {
         QWebSocket *socket = rude.nextPendingConnection();
+        socket->setParent(&rude);
         connect(socket, &QWebSocket::textMessageReceived, socket, [socket] { socket->abort(); });
     });
     const Outcome outcome = run({QStringLiteral("--host"), QStringLiteral("127.0.0.1"), QStringLiteral("--port"),
@@ -243,6 +244,7 @@ void MvsignctlTest::requestOnTheWire()
     QStringList received;
     connect(&server, &QWebSocketServer::newConnection, this, [&] {
         QWebSocket *socket = server.nextPendingConnection();
+        socket->setParent(&server);
         connect(socket, &QWebSocket::textMessageReceived, socket, [&received, socket](const QString &text) {
             received.append(text);
             socket->sendTextMessage(QStringLiteral(R"({"API":"X","Result":"签 \n\"quoted\""})"));
