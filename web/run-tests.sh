@@ -3,8 +3,9 @@
 #
 # usage: run-tests.sh install   fetch what the tests need, as package-lock.json has it
 #        run-tests.sh client    the client, its declarations and the page's texts
-#        run-tests.sh page      the client and, in Chromium, the demo page against the program in $MVSIGNPAD_BIN_DIR
-#                               (default: ../build/bin); leaves screenshots in $MVSIGNPAD_TEST_OUTPUT if that is set
+#        run-tests.sh service   the client against the program in $MVSIGNPAD_BIN_DIR (default: ../build/bin)
+#        run-tests.sh page      the demo page in Chromium against that program; leaves screenshots in
+#                               $MVSIGNPAD_TEST_OUTPUT if that is set
 set -eu
 cd "$(dirname "$0")"
 
@@ -30,9 +31,9 @@ client)
     npx --no-install tsc -p tests/types
     exec node --test tests/commands.test.js tests/connection.test.js tests/texts.test.js
     ;;
-page)
+service | page)
     install
-    exec node --test --test-concurrency=1 tests/page/service.test.js tests/page/page.test.js
+    exec node --test "tests/page/$1.test.js"
     ;;
 *)
     sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2
