@@ -120,7 +120,7 @@ void CaptureTest::builtInSignatureIsWrittenInRealTime()
     QTest::qWait(1000);
     const int later = ask(QStringLiteral("GetSize")).toInt();
     QVERIFY2(later - early >= 150 && later - early <= 300, qPrintable(QString::number(later - early)));
-    QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"), patienceMs);
 
     QCOMPARE(ask(QStringLiteral("Clear")), QStringLiteral("0"));
     QCOMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("-1"));

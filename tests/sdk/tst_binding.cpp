@@ -4,6 +4,7 @@
 #include "device/SignObjCedar.h"
 #include "device/SignObjManager.h"
 #include "tests/sdk/support/ModelTestCase.h"
+#include "tests/unit/support/Patience.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -66,7 +67,7 @@ static QStringList lookupsOfAProcessThatOpens(int nDeviceID)
     environment.insert(QStringLiteral("LD_DEBUG_OUTPUT"), traces.filePath(QStringLiteral("trace")));
     process.setProcessEnvironment(environment);
     process.start(QCoreApplication::applicationFilePath(), {QLatin1String(openOneDevice), QString::number(nDeviceID)});
-    process.waitForFinished(60000);
+    process.waitForFinished(patienceMs);
 
     QStringList lookups;
     const QRegularExpression lookup(QStringLiteral("symbol=(MV[A-Z][a-z]+_\\w+);"));

@@ -1,5 +1,6 @@
 // The command-line client against a running service.
 #include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/Patience.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/RunningService.h"
 
@@ -21,7 +22,7 @@ Outcome run(const QStringList &arguments)
 {
     QProcess client;
     client.start(QStringLiteral(MVSIGNCTL), arguments);
-    const bool ended = QTest::qWaitFor([&] { return client.state() == QProcess::NotRunning; }, 30000);
+    const bool ended = QTest::qWaitFor([&] { return client.state() == QProcess::NotRunning; }, patienceMs);
     return {ended && client.exitStatus() == QProcess::NormalExit ? client.exitCode() : -1,
             client.readAllStandardOutput(), client.readAllStandardError()};
 }
