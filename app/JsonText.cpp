@@ -9,21 +9,23 @@ constexpr int nBlock = 16;
 /// What a text of Qt can hold, less some room for what follows; asking for more would end the program.
 constexpr int nMaxBytes = std::numeric_limits<int>::max() - 1024;
 
-bool IsQuoted(ushort code)
+/// 1 for what stands behind a backslash, 0 otherwise. Spelled without a branch, as is what calls it, so that compilers
+/// make vector instructions of it.
+int Quoted(ushort code)
 {
-    return (code == '"') | (code == '\\');
+    return static_cast<int>(code == '"') | static_cast<int>(code == '\\');
 }
 
 /// The number of quotation marks and backslashes in a block of nothing but printable ASCII, or -1 when there is
-/// something else in it. Without a branch, so that compilers make vector instructions of it.
+/// something else in it.
 int CountQuoted(const ushort *pBlock)
 {
     ushort others = 0;
     ushort quoted = 0;
     for (int i = 0; i < nBlock; ++i) {
         const auto code = static_cast<short>(pBlock[i]); // negative from 0x8000 on
-        others |= static_cast<ushort>((code < 0x20) | (code > 0x7e));
-        quoted = static_cast<ushort>(quoted + IsQuoted(pBlock[i]));
+        others |= static_cast<ushort>(static_cast<int>(code < 0x20) | static_cast<int>(code > 0x7e));
+        quoted = static_cast<ushort>(quoted + Quoted(pBlock[i]));
     }
     return others ? -1 : quoted;
 }
@@ -52,7 +54,7 @@ struct UnitWriter {
         }
         for (int i = 0; i < nBlock; ++i) {
             *pTo = '\\'; // overwritten when it is not wanted: faster than a branch that cannot be foreseen
-            pTo += IsQuoted(pBlock[i]);
+            pTo += Quoted(pBlock[i]);
             *pTo++ = static_cast<Unit>(pBlock[i]);
         }
     }
@@ -135,15 +137,12 @@ template <class Encoding, class Output>
 void PutNext(Output &output, const ushort *&pAt, const ushort *pEnd)
 {
     const ushort code = *pAt++;
-    // NOLINTNEXTLINE(bugprone-branch-clone): the first kind and the last are escaped, each for its own reason
-    if (code < 0x20 || code == '"' || code == '\\')
-        PutEscaped(output, code);
-    else if (!QChar::isSurrogate(code))
+    if (code >= 0x20 && Quoted(code) == 0 && !QChar::isSurrogate(code))
         Encoding::PutCharacter(output, code);
     else if (QChar::isHighSurrogate(code) && pAt != pEnd && QChar::isLowSurrogate(*pAt))
         Encoding::PutCharacter(output, QChar::surrogateToUcs4(code, *pAt++));
     else
-        PutEscaped(output, code); // half a surrogate pair has no UTF-8 form
+        PutEscaped(output, code); // half a surrogate pair, too: it has no UTF-8 form
 }
 
 template <class Encoding, class Output>

@@ -123,7 +123,7 @@ template <class Producer, class Produce>
 QString SdkClient<Sdk>::ReadText(const char *operation, SdkFunction<Producer> producer,
                                  SdkFunction<void (*)(int, char *)> release, Produce produce)
 {
-    QString strResult = QStringLiteral("");
+    QString strResult;
     if (IsBound(producer, release)) {
         char *pText = produce(producer.pfn);
         strResult = QString::fromUtf8(pText);
@@ -140,7 +140,7 @@ QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event
                                          SdkFunction<Producer> producer, SdkFunction<void (*)(int, char *)> release,
                                          Produce produce, const char *szChanged)
 {
-    QString strResult = QStringLiteral("");
+    QString strResult;
     char *pText = IsBound(producer, release) ? produce(producer.pfn) : nullptr;
     if (pText) {
         const QString strBase64 = QString::fromUtf8(pText);

@@ -44,7 +44,7 @@ private:
     QString DecodedPoints();
     QString ComposeWpsPicture(bool bEnableDateTime, const QString &strName);
 
-    QString m_strDecodeFilePath = QStringLiteral("");
+    QString m_strDecodeFilePath;
     QByteArray m_strLastInksBase64Content; // one cache for all ink pictures, never cleared
 };
 

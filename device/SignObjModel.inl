@@ -128,7 +128,7 @@ template <class Sdk>
 QString SignObjModel<Sdk>::GetDeviceInfo(int nType)
 {
     MV_LOG_PAD("GetDeviceInfo", "Enter, nType=%d", nType);
-    QString strResult = QStringLiteral("");
+    QString strResult;
     int nResult = -1;
     const auto function = this->fnGetDeviceInfo();
     if (this->IsBound(function) && IsDeviceInfoType(nType)) {
@@ -239,7 +239,7 @@ QString SignObjModel<Sdk>::Decode(int nType, QString strPath, QString strData)
 {
     MV_LOG_PAD("Decode", "Enter, nType=%d, strPath=%s, strData.length=%d", nType, strPath.toUtf8().constData(),
                strData.size());
-    QString strResult = QStringLiteral("");
+    QString strResult;
     const auto decode = this->fnBase64Decode();
     if (this->IsBound(decode)) {
         // Always below /tmp, on purpose, even when the path is absolute already.
@@ -260,7 +260,7 @@ QString SignObjModel<Sdk>::DecodedPoints()
     const auto getCount = this->fnGetTotalDecodeInkPointsNumber();
     const auto getField = this->fnGetDecodeInkPointData();
     if (!this->IsBound(getCount, getField))
-        return QStringLiteral("");
+        return {};
     const int nCount = getCount.pfn(Sdk::nDeviceID);
     InkPointList points;
     for (int i = 0; i < nCount; ++i) {
@@ -284,7 +284,7 @@ template <class Sdk>
 QString SignObjModel<Sdk>::SaveDrawImage(int nType, int nDPI, QString strPath)
 {
     MV_LOG_PAD("SaveDrawImage", "Enter, nType=%d, nDPI=%d, strPath=%s", nType, nDPI, strPath.toUtf8().constData());
-    QString strResult = QStringLiteral("");
+    QString strResult;
     const auto save = this->fnSaveDrawingImage();
     if (this->IsBound(save)) {
         if (!strPath.contains(QLatin1Char('/')))

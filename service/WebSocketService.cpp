@@ -24,7 +24,7 @@ WebSocketService *g_pWebSocketService = nullptr;
 namespace {
 
 /// Guards g_pWebSocketService: a callback on another thread must not meet a service that is being destroyed.
-QMutex pushTargetMutex;
+QBasicMutex pushTargetMutex;
 
 /// In UTF-8, as it is sent.
 QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)

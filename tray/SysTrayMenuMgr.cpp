@@ -16,6 +16,24 @@
 #include <QSysInfo>
 #include <QSystemTrayIcon>
 
+namespace {
+
+/// Puts the desktop's entry for the launch at log-in into its place, or takes it away. What fails is not reported: the
+/// next start looks at the entry on disk.
+void SetAutostartEntry(int nOSProductID, bool bLaunch)
+{
+    QDir().mkpath(AutostartFolder());
+    const QString target = AutostartTarget(nOSProductID);
+    if (target.isEmpty()) // Qt complains about empty names
+        return;
+    if (bLaunch)
+        QFile::copy(AutostartSource(nOSProductID), target); // keeps an entry that is there
+    else
+        QFile::remove(target);
+}
+
+} // namespace
+
 SysTrayMenuMgr::SysTrayMenuMgr(QObject *parent) : QObject(parent)
 {
     static const char tag[] = "SysTrayMenuMgr::SysTrayMenuMgr()";
@@ -69,7 +87,8 @@ void SysTrayMenuMgr::CreateSystemTray()
     MV_LOG(tag, "Enter...");
     auto *const pSysTrayIcon = new QSystemTrayIcon; // icon and menu live until the process ends
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
-        MV_LOG(tag, "System Tray Is NOT Available !!!"); // runs on without a tray, on purpose: it was there just now
+        // Runs on without a tray, on purpose: it was there just now.
+        MV_LOG(tag, "System Tray Is NOT Available !!!"); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): lives on
         return;
     }
     MV_LOG(tag, "System Tray Available...");
@@ -177,22 +196,12 @@ void SysTrayMenuMgr::StartWebSecureSocketService()
 
 void SysTrayMenuMgr::AutoLaunchService()
 {
-    // What fails here is not reported: the next start looks at the entry on disk.
     static const char tag[] = "SysTrayMenuMgr::AutoLaunchService()";
     MV_LOG(tag, "Enter...");
     if (m_pAutoLaunchAction) {
-        const QString target = AutostartTarget(m_nOSProductID);
-        QDir().mkpath(AutostartFolder());
         INIDATA.bAutoLaunch = m_pAutoLaunchAction->isChecked();
-        if (INIDATA.bAutoLaunch) {
-            if (!target.isEmpty()) // Qt complains about empty names
-                QFile::copy(AutostartSource(m_nOSProductID), target); // keeps an entry that is there
-            MV_LOG(tag, "INIDATA.bAutoLaunch = TRUE...");
-        } else {
-            if (!target.isEmpty())
-                QFile::remove(target);
-            MV_LOG(tag, "INIDATA.bAutoLaunch = false !");
-        }
+        SetAutostartEntry(m_nOSProductID, INIDATA.bAutoLaunch);
+        MV_LOG(tag, "%s", INIDATA.bAutoLaunch ? "INIDATA.bAutoLaunch = TRUE..." : "INIDATA.bAutoLaunch = false !");
         WriteDataToINIFIle();
     }
     MV_LOG(tag, "Leave !");
