@@ -1,11 +1,12 @@
 #include "app/JsonText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
 namespace {
 
-constexpr int nBlock = 16;
+constexpr int nBlock = 64;
 /// What a text of Qt can hold, less some room for what follows; asking for more would end the program.
 constexpr int nMaxBytes = std::numeric_limits<int>::max() - 1024;
 
@@ -47,9 +48,10 @@ struct UnitWriter {
     void PutBlock(const ushort *pBlock, int nQuoted)
     {
         if (nQuoted == 0) {
+            Unit units[nBlock]; // which cannot overlap the text, and compilers know it
             for (int i = 0; i < nBlock; ++i)
-                pTo[i] = static_cast<Unit>(pBlock[i]);
-            pTo += nBlock;
+                units[i] = static_cast<Unit>(pBlock[i]);
+            pTo = std::copy_n(units, nBlock, pTo);
             return;
         }
         for (int i = 0; i < nBlock; ++i) {

@@ -9,7 +9,7 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$1"
 versions="Qt $2, $(ldd --version | sed -n '1s/.* //p'), $3, $(uname -m)"
-port=47501
+port=27501
 
 # ask ARGUMENTS... : waits for the service, then has the load client ask it; @ stands for the URL.
 ask() {

@@ -1,5 +1,5 @@
 // Runs the servers side by side and writes what was measured: "node run.mjs BUILD_DIR SOURCE_DIR [ROUNDS]". Everything goes over
-// the loopback interface; the servers share one core, the load has another.
+// the loopback interface, on ports below those that the system gives to clients; the servers share one core, the load has another.
 import { execFile, spawn } from 'node:child_process';
 import { mkdirSync, readFileSync, readdirSync, writeFileSync } from 'node:fs';
 import { connect } from 'node:net';
@@ -127,7 +127,7 @@ class Server {
 
 async function sideBySide() {
     const running = {};
-    let port = 47001;
+    let port = 27001;
     for (const name of all) {
         running[name] = new Server(name, port++);
         await reachable(running[name].port);
@@ -162,7 +162,7 @@ async function startTimes() {
         times[name] = [];
         for (let round = 0; round < rounds; ++round) {
             const start = performance.now();
-            const server = new Server(name, 47101 + round);
+            const server = new Server(name, 27101 + round);
             await reachable(server.port);
             times[name].push(performance.now() - start);
             await server.stop();
@@ -204,7 +204,7 @@ async function memory() {
         'points 100,000': [open(8, 100000), 'GetPointer'],
     };
     const result = {};
-    let port = 47201;
+    let port = 27201;
     for (const [title, [setup, request]] of Object.entries(cases)) {
         result[title] = {};
         for (const name of working) {
@@ -215,11 +215,11 @@ async function memory() {
 }
 
 async function wakeUpsAtRest() {
-    const server = new Server('service', 47301);
+    const server = new Server('service', 27301);
     await reachable(server.port);
     const client = connect(server.port, '127.0.0.1');
     await server.load(['--mode', 'digest'], [open(MiB), 'EnableRealtimeSigningNotification?type=1', 'GetInks'], 'OpenLCD');
-    await sleep(3000);
+    await sleep(12000); // Qt gives a handshake ten seconds and looks then
     const before = server.wakeUps();
     await sleep(10000);
     const perSecond = (server.wakeUps() - before) / 10;
@@ -230,7 +230,7 @@ async function wakeUpsAtRest() {
 
 /// The WPS picture from the virtual pad, with name and date, at its 300 dpi.
 async function wpsPicture() {
-    const server = new Server('service', 47401, join(buildDir, 'bin'));
+    const server = new Server('service', 27401, join(buildDir, 'bin'));
     await reachable(server.port);
     const setup = ['InitialDevice?id=2&width=800&height=480', 'UpdateWPSSettings?id=0&dt=1&af=0&pw=3&name=Sam'];
     await sleep(2500); // the virtual pad writes its signature

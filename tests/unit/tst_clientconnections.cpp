@@ -1,10 +1,14 @@
 // The frames in which texts reach a client, byte for byte on the wire.
+#include "service/ClientConnections.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/RunningService.h"
 #include "tests/unit/support/WarningTrap.h"
 
+#include <QSignalSpy>
 #include <QTcpSocket>
 #include <QTest>
+#include <QWebSocket>
+#include <QWebSocketServer>
 
 namespace {
 
@@ -60,6 +64,7 @@ private Q_SLOTS:
     void frame();
     void repliesToRequestsInOnePiece();
     void nothingBehindTheClose();
+    void withoutTheConnectionBelow();
 
 private:
     QByteArray request(const char *command) const
@@ -135,6 +140,25 @@ void ClientConnectionsTest::nothingBehindTheClose()
                               R"({"API":"GetSize","Result":"0"})");
     QCOMPARE(client.read(4), QByteArray::fromHex("880203e8"));
     QVERIFY(!client.hasMore());
+}
+
+/// A text arrives, too, when the server has no such connection among its children.
+void ClientConnectionsTest::withoutTheConnectionBelow()
+{
+    QWebSocketServer server(QStringLiteral("server"), QWebSocketServer::NonSecureMode);
+    QWebSocketServer serverOfNobody(QStringLiteral("server of nobody"), QWebSocketServer::NonSecureMode);
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    QWebSocket client;
+    const QSignalSpy received(&client, &QWebSocket::textMessageReceived);
+    client.open(server.serverUrl());
+    QTRY_VERIFY(server.hasPendingConnections());
+    const std::unique_ptr<QWebSocket> accepted(server.nextPendingConnection());
+
+    ClientConnections connections(&serverOfNobody);
+    connections.Add(accepted.get());
+    connections.SendText(accepted.get(), "\xe7\xad\xbe \"quoted\"");
+    QTRY_COMPARE(received.size(), 1);
+    QCOMPARE(received.constFirst().constFirst().toString(), QStringLiteral("签 \"quoted\""));
 }
 
 QTEST_GUILESS_MAIN(ClientConnectionsTest)

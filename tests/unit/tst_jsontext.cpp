@@ -68,7 +68,7 @@ void JsonTextTest::string()
 /// when a very short text needs escapes).
 static void compareWithQt(const QString &text, int offset)
 {
-    const QString moved = QString(16 + offset % 16, QLatin1Char('x')) + text;
+    const QString moved = QString(64 + offset % 64, QLatin1Char('x')) + text;
     const QByteArray expected = QJsonDocument(QJsonArray{moved}).toJson(QJsonDocument::Compact);
     QByteArray utf8 = "[";
     AppendJsonString(utf8, moved);
