@@ -20,7 +20,7 @@ check_address() {
     cmake -S . -B build-address -G Ninja -DMVSIGNPAD_SANITIZE=address,undefined >/dev/null
     cmake --build build-address
     MVSIGNPAD_STRESS_SECONDS=60 \
-        ctest --test-dir build-address --output-on-failure --parallel "$jobs" -L '^(unit|sdk|desktop|faults)$'
+        ctest --test-dir build-address --output-on-failure --parallel $((2 * jobs)) -L '^(unit|sdk|desktop|faults)$'
 }
 
 # What runs on several threads: the service's thread beside its owner's, pushes from foreign threads, the log.

@@ -19,5 +19,6 @@ esac
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${packaging_packages[@]}"
 cmake -S . -B build -G Ninja -DBUILD_TESTING=ON
 cmake --build build
-# A real browser on a real desktop may miss its time on a busy machine: what fails is run once more.
-ctest --test-dir build --output-on-failure --parallel "$(nproc)" --repeat until-pass:2
+# Many tests wait most of their time. A real browser on a real desktop may miss its time on a busy machine: what fails is
+# run once more.
+ctest --test-dir build --output-on-failure --parallel $((2 * $(nproc))) --repeat until-pass:2
