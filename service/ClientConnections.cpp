@@ -9,7 +9,7 @@
 
 namespace {
 
-/// How long after a text the memory that texts have gone through goes back to the system.
+/// How soon the memory that texts have gone through goes back to the system.
 constexpr int nTrimDelayMs = 1000;
 
 /// The header of a whole text message in one frame of a server, which does not mask.
@@ -53,6 +53,13 @@ void ClientConnections::Add(const QWebSocket *pClient)
 void ClientConnections::Remove(const QWebSocket *pClient)
 {
     m_connections.remove(pClient);
+    TrimSoon(); // of what it had sent of a message without an end
+}
+
+void ClientConnections::TrimSoon()
+{
+    if (!m_pTrimTimer->isActive())
+        m_pTrimTimer->start();
 }
 
 /// The server keeps the sockets that it accepts among its children, also when a WebSocket has taken them over.
@@ -80,6 +87,5 @@ void ClientConnections::SendText(QWebSocket *pClient, const QByteArray &text)
     } else {
         pClient->sendTextMessage(QString::fromUtf8(text)); // a Qt that keeps its sockets elsewhere
     }
-    if (!m_pTrimTimer->isActive())
-        m_pTrimTimer->start();
+    TrimSoon();
 }

@@ -29,6 +29,7 @@ public:
 
 private:
     QTcpSocket *ConnectionBelow(const QWebSocket *pClient) const;
+    void TrimSoon();
 
     QWebSocketServer *m_pServer;
     QHash<const QWebSocket *, QTcpSocket *> m_connections; // owned by the clients
