@@ -1,6 +1,7 @@
 # gnuplot -e "data='DIR'; images='DIR'" plots.gp
 set terminal svg size 720,420 font "sans-serif,13" background "white"
-set key outside right top autotitle columnhead
+set key below autotitle columnhead
+set rmargin 6
 set grid
 set datafile separator "\t"
 set style line 1 lc rgb "#1b6ca8" lw 2 pt 7
