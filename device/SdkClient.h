@@ -91,6 +91,7 @@ bool SdkClient<Sdk>::LoadMVSignPadSDK()
     this->m_pSDKLibrary = std::make_unique<QLibrary>(QStringLiteral("./libmvsignpadsdk.so"));
     QLibrary &library = *this->m_pSDKLibrary;
     if (!library.load()) {
+        // The quotation mark without its twin is part of the line.
         MV_LOG_INSIDE_THREAD(failureTag, "libmvsignpadsdk.so' Library is not loaded, stdstrErrorString=%s",
                              library.errorString().toUtf8().constData());
     } else {

@@ -47,17 +47,21 @@ bool SignObjAlder::InitialWPSSignCanvas(int nWidth, int nHeight)
 
 void SignObjAlder::ProcessSignPadEvent(int nEventID)
 {
-    if (!m_pfnSignPadEventCallback)
-        return;
-    if (nEventID == SIGNPAD_ENTER_BUTTON)
-        MV_LOG_PAD("ProcessSignPadEvent", "nEventID == SIGNPAD_ENTER_BUTTON");
-    else if (nEventID == SIGNPAD_CANCEL_BUTTON)
-        MV_LOG_PAD("ProcessSignPadEvent", "nEventID == SIGNPAD_CANCEL_BUTTON");
-    m_pfnSignPadEventCallback(nEventID);
+    MV_LOG_PAD("ProcessSignPadEvent", "Enter, nEventID=%d", nEventID);
+    if (m_pfnSignPadEventCallback) {
+        if (nEventID == SIGNPAD_ENTER_BUTTON)
+            MV_LOG_PAD("ProcessSignPadEvent", "nEventID == SIGNPAD_ENTER_BUTTON");
+        else if (nEventID == SIGNPAD_CANCEL_BUTTON)
+            MV_LOG_PAD("ProcessSignPadEvent", "nEventID == SIGNPAD_CANCEL_BUTTON");
+        m_pfnSignPadEventCallback(nEventID);
+    }
+    MV_LOG_PAD("ProcessSignPadEvent", "Leave !");
 }
 
 void SignObjAlder::ProcessSignBase64Data(char *pData)
 {
+    MV_LOG_PAD("ProcessSignBase64Data", "Enter...");
     if (m_pfnSignBase64DataCallback)
         m_pfnSignBase64DataCallback(pData);
+    MV_LOG_PAD("ProcessSignBase64Data", "Leave !");
 }

@@ -3,10 +3,11 @@
 QString SignObjCedar::GetFingerPrintImage(bool bFPImageOnly)
 {
     MV_LOG_PAD("GetFingerPrintImage", "Enter");
-    return ReadChangedImage("GetFingerPrintImage", ImageEvent::Fingerprint, m_strLastFPImageBase64Content,
-                            fnGetFPImageBase64Data(), fnFreeFPImageBase64Data(),
-                            [bFPImageOnly](auto getPicture) { return getPicture(nDeviceID, 3, bFPImageOnly ? 1 : 0); },
-                            "(strResult != m_strLastFPImageBase64Content)");
+    return ReadChangedImage(
+        "GetFingerPrintImage", ImageEvent::Fingerprint, m_strLastFPImageBase64Content, fnGetFPImageBase64Data(),
+        fnFreeFPImageBase64Data(),
+        [bFPImageOnly](auto getPicture) { return getPicture(nDeviceID, 3, bFPImageOnly ? 1 : 0); },
+        "(strResult != m_strLastFPImageBase64Content)");
 }
 
 void SignObjCedar::SetDisplayedFPImageAt(int nCanvasWidth, int nCanvasHeight, int nFPLeft, int nFPTop, int nFPWidth,

@@ -24,7 +24,7 @@ bool SignObjModel<Sdk>::UnInitialDevice()
     if (this->IsBound(function)) {
         const int nResult = function.pfn(Sdk::nDeviceID);
         MV_LOG_PAD("UnInitialDevice", "after call m_pfn_%s(), nResult=%d", function.szName, nResult);
-        bResult = nResult == 0;
+        bResult = nResult == 0; // the other way round than InitialDevice, on purpose
     }
     MV_LOG_PAD("UnInitialDevice", "Leave, bResult=%d", bResult);
     return bResult;
@@ -134,6 +134,7 @@ QString SignObjModel<Sdk>::GetDeviceInfo(int nType)
     if (this->IsBound(function) && IsDeviceInfoType(nType)) {
         DeviceInfo info{};
         nResult = function.pfn(Sdk::nDeviceID, nType, &info);
+        MV_LOG_PAD("GetDeviceInfo", "after call m_pfn_%s(), nResult=%d", function.szName, nResult);
         strResult = FormatDeviceInfo(nType, info); // whether or not the call succeeded
     }
     MV_LOG_PAD("GetDeviceInfo", "Leave with strResult.length=%d, nResult=%d", strResult.size(), nResult);

@@ -21,7 +21,8 @@ static_assert(offsetof(_STRUCT_INK_POINT_DATA, x) == 4 && offsetof(_STRUCT_INK_P
 // clang-format off
 
 // Every function of every family, in the order in which a model resolves them. An exported name is "MV", the model's
-// name, "_" and the function's name (MVAlder_OpenLCD); x: the model's family has it, _: it has not.
+// name, "_" and the function's name (MVAlder_OpenLCD); x: the model's family has it, _: it has not. Some are resolved, and
+// missed when they are missing, but never called, on purpose: SignPadEventCallback, AboutBox and the two for WPS texts.
 //
 // Texts (char *) belong to the library and go back through the free function of the row below; they are
 // NUL-terminated UTF-8. Paths are NUL-terminated arrays of 32-bit code points. All calls come from one thread.

@@ -146,6 +146,8 @@ Reply EnableRealtimeSigningNotification(WebSocketService &service, const Command
 
 } // namespace
 
+// Some names are not those of the operations or of the log, on purpose: SaveDrawingImage, UninitialDevice,
+// INITWPSSIGNCANVAS.
 // clang-format off
 const Command commandTable[nCommandCount] = {
     {"Clear", "CLEAR", {}, Pad<&SignObjManager::Clear>},

@@ -1,5 +1,7 @@
 #include "service/UrlParameters.h"
 
+#include "app/Logging.h"
+
 #include <QStringRef>
 
 namespace {
@@ -14,15 +16,10 @@ QStringRef TakePiece(const QStringRef &text, QChar separator, int &nFrom)
     return piece;
 }
 
-} // namespace
-
-QMap<QString, QString> ParseUrlParameters(const QString &url)
+/// Splits a query into keys and values.
+QMap<QString, QString> SplitQuery(const QStringRef &query)
 {
     QMap<QString, QString> parameters;
-    const int nMark = url.indexOf(QLatin1Char('?'));
-    if (nMark < 0)
-        return parameters;
-    const QStringRef query = url.midRef(nMark + 1);
     for (int nAt = 0; nAt <= query.size() && parameters.size() <= nMostUrlParameters;) {
         const QStringRef piece = TakePiece(query, QLatin1Char('&'), nAt);
         int nInPiece = 0;
@@ -31,5 +28,19 @@ QMap<QString, QString> ParseUrlParameters(const QString &url)
             nInPiece <= piece.size() ? TakePiece(piece, QLatin1Char('='), nInPiece).toString() : QString();
         parameters.insert(key, value);
     }
+    return parameters;
+}
+
+} // namespace
+
+QMap<QString, QString> ParseUrlParameters(const QString &url)
+{
+    static const char tag[] = "WebSocketService::ParseUrlParameters()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    const int nMark = url.indexOf(QLatin1Char('?'));
+    QMap<QString, QString> parameters;
+    if (nMark >= 0)
+        parameters = SplitQuery(url.midRef(nMark + 1));
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
     return parameters;
 }

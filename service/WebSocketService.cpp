@@ -104,8 +104,11 @@ void WebSocketService::CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) 
 
 void WebSocketService::SetupMVSignPadSDKAPINameList()
 {
+    static const char tag[] = "WebSocketService::SetupMVSignPadSDKAPINameList()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
     for (const Command &command : commandTable)
         m_APINameList.append(QString::fromLatin1(command.szName));
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
 void WebSocketService::onNewConnection()
@@ -169,6 +172,7 @@ QByteArray WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &
 {
     static const char tag[] = "WebSocketService::ProcessMVSignSDKWebSocketAPICommand()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, strMsg.length=%d", strMsg.size());
+    // One reply for whatever is wrong, without the command's name, on purpose.
     QString strAPI = QStringLiteral("Invalid API request");
     QString strResult = QStringLiteral("-1");
     const int nCommand = RecognisedCommand(strMsg);
@@ -207,7 +211,7 @@ void WebSocketService::ProcessSignBase64Data(const QByteArray &data)
 {
     static const char tag[] = "WebSocketService::ProcessSignBase64Data()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    if (!data.isNull())
+    if (!data.isNull()) // under the name of the command for pictures, on purpose
         SendToAllClients(ReplyEnvelope(QStringLiteral("GetInks"), ImageReply(ImageEvent::Ink, QString::fromUtf8(data))),
                          tag, nullptr);
     MV_LOG_INSIDE_THREAD(tag, "Leave !");

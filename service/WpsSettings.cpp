@@ -1,5 +1,6 @@
 #include "service/WpsSettings.h"
 
+#include "app/Logging.h"
 #include "app/SettingsFile.h"
 
 namespace {
@@ -40,13 +41,19 @@ WpsApplicationSettings &_STRUCT_WPS_SETTINGS_INIDATA::Application(int nID)
 
 void _STRUCT_WPS_SETTINGS_INIDATA::LoadWPSSettingsFromConfigureFile()
 {
+    static const char tag[] = "WebSocketService::LoadWPSSettingsFromConfigureFile()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
     const SettingsFile file(FileName());
     ForEachSetting(*this, [&file](const QString &key, auto &field) { file.Load(key, field); });
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
 void _STRUCT_WPS_SETTINGS_INIDATA::UpdateWPSSettingsToConfigureFile() const
 {
+    static const char tag[] = "WebSocketService::UpdateWPSSettingsToConfigureFile()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
     SettingsFile file(FileName());
     file.RemoveStaleLock();
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }

@@ -41,6 +41,7 @@ SysTrayMenuMgr::SysTrayMenuMgr(QObject *parent) : QObject(parent)
     MV_LOG(tag, "Enter, OSProductType=%s", productType.toUtf8().constData());
     m_nOSProductID = DesktopVariantOf(productType);
     MV_LOG(tag, "m_nOSProductID=%d", m_nOSProductID);
+    MV_LOG(tag, "Leave !");
 }
 
 SysTrayMenuMgr::~SysTrayMenuMgr()
@@ -89,6 +90,7 @@ void SysTrayMenuMgr::CreateSystemTray()
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         // Runs on without a tray, on purpose: it was there just now.
         MV_LOG(tag, "System Tray Is NOT Available !!!"); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): lives on
+        MV_LOG(tag, "Leave !");
         return;
     }
     MV_LOG(tag, "System Tray Available...");

@@ -98,6 +98,7 @@ void DiagnosticLogTest::mainThreadLines()
         logLine("main()", "First instance coming, keep going..."),
         logLine("SysTrayMenuMgr::SysTrayMenuMgr()", QStringLiteral("Enter, OSProductType=") + product),
         logLine("SysTrayMenuMgr::SysTrayMenuMgr()", "m_nOSProductID=0"),
+        logLine("SysTrayMenuMgr::SysTrayMenuMgr()", "Leave !"),
         logLine("SysTrayMenuMgr::Initialize()", "Enter..."),
         logLine("SysTrayMenuMgr::Initialize()", "Leave !"),
         logLine("main()", "after call SysTrayMenuMgr.Initialize()..."),

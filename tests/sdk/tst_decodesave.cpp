@@ -90,6 +90,9 @@ void TestDecodeSave::decodeKeepsThePathOfTheLastCall()
     expectCall(R"(MV*_Base64Decode(ID, 2, "BB==", "/tmp/second"))");
     pad().Decode(2, QStringLiteral("second"), QStringLiteral("BB=="));
     QCOMPARE(pad().GetDecodeFilePath(), QStringLiteral("/tmp/second"));
+    expectCall(R"(MV*_Base64Decode(ID, 3, "CC==", "/tmp//home/u/a.png"))");
+    pad().Decode(3, QStringLiteral("/home/u/a.png"), QStringLiteral("CC=="));
+    QCOMPARE(pad().GetDecodeFilePath(), QStringLiteral("/tmp//home/u/a.png"));
 }
 
 void TestDecodeSave::decodeKeepsThePathOfARejectedCall()

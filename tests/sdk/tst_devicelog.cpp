@@ -110,6 +110,7 @@ const std::map<std::string, const char *> scripts = {
                           "M Leave with strResult.length=0\n"},
     {"GetDeviceInfo", "M Enter, nType=7\n"
                       "P Enter, nType=7\n"
+                      "P after call m_pfn_MV*_GetDeviceInfo(), nResult=0\n"
                       "P Leave with strResult.length=4, nResult=0\n"
                       "M after call m_pCurrentActiveSignObj->GetDeviceInfo()\n"
                       "M Leave with strResult.length=4\n"},
@@ -246,6 +247,7 @@ private Q_SLOTS:
     void negativeClip();
     void unchangedFingerprint();
     void noLibrary();
+    void missingName_data();
     void missingName();
     void wpsPicture_data();
     void wpsPicture();
@@ -466,19 +468,28 @@ void TestDeviceLog::keyEvents()
 {
     SignObjAlder alder;
     DeviceLog log;
+    const auto linesAround = [](const QString &event, const QStringList &between) {
+        const QString line = QStringLiteral("[SignObjAlder::ProcessSignPadEvent()]:<T>-%1, ");
+        QStringList lines{line.arg(QStringLiteral("Enter, nEventID=") + event)};
+        for (const QString &text : between)
+            lines += line.arg(text);
+        return lines << line.arg(QStringLiteral("Leave !"));
+    };
     alder.ProcessSignPadEvent(1);
-    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(log.lines(), linesAround(QStringLiteral("1"), {}));
     expect("MVAlder_SetRealTimeSignBase64DataCallback(2, 1, callback)", number(1));
     alder.SetRealTimeSignBase64DataCallback(1, onKey, onPicture);
     log.lines();
     alder.ProcessSignPadEvent(1);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral(
-                              "[SignObjAlder::ProcessSignPadEvent()]:<T>-nEventID == SIGNPAD_ENTER_BUTTON, ")));
+    QCOMPARE(log.lines(), linesAround(QStringLiteral("1"), {QStringLiteral("nEventID == SIGNPAD_ENTER_BUTTON")}));
     alder.ProcessSignPadEvent(0);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral(
-                              "[SignObjAlder::ProcessSignPadEvent()]:<T>-nEventID == SIGNPAD_CANCEL_BUTTON, ")));
+    QCOMPARE(log.lines(), linesAround(QStringLiteral("0"), {QStringLiteral("nEventID == SIGNPAD_CANCEL_BUTTON")}));
     alder.ProcessSignPadEvent(5);
-    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(log.lines(), linesAround(QStringLiteral("5"), {}));
+    char picture[] = "QUJD";
+    alder.ProcessSignBase64Data(picture);
+    QCOMPARE(log.lines(), (QStringList{QStringLiteral("[SignObjAlder::ProcessSignBase64Data()]:<T>-Enter..., "),
+                                       QStringLiteral("[SignObjAlder::ProcessSignBase64Data()]:<T>-Leave !, ")}));
 }
 
 void TestDeviceLog::negativeClip()
@@ -531,9 +542,17 @@ void TestDeviceLog::noLibrary()
     QCOMPARE(lines[4], QStringLiteral("[%1::%1()]:<T>-Leave, bResult=0, ").arg(name));
 }
 
+void TestDeviceLog::missingName_data()
+{
+    QTest::addColumn<QString>("library");
+    QTest::newRow("in the middle") << QStringLiteral("without-AboutBox");
+    QTest::newRow("the last one") << QStringLiteral("without-Base64EncodeExFree");
+}
+
 void TestDeviceLog::missingName()
 {
-    useLibrary(QStringLiteral("without-Base64EncodeExFree")); // the last name of every model
+    QFETCH(QString, library);
+    useLibrary(library);
     DeviceLog log;
     pad();
     const QStringList lines = log.lines();

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void lifeOfAService();
     void portInUse();
     void textMessage();
+    void commandWithParameters();
     void unknownCommandHasNoName();
     void binaryMessage();
     void commandNames_data();
@@ -91,6 +92,10 @@ void ServiceLogTest::lifeOfAService()
     compareInOrder({logLine("WebSocketThread::WebSocketThread()", QStringLiteral("Enter, nWebSocketPort=") + port),
                     logLine("WebSocketThread::run()", "Enter..."),
                     logLine("WebSocketService::WebSocketService()", QStringLiteral("Enter, m_nPort=") + port),
+                    logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Enter..."),
+                    logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Leave !"),
+                    logLine("WebSocketService::SetupMVSignPadSDKAPINameList()", "Enter..."),
+                    logLine("WebSocketService::SetupMVSignPadSDKAPINameList()", "Leave !"),
                     logLine("WebSocketService::WebSocketService()", "m_pSignObjMgr=P"),
                     logLine("WebSocketService::WebSocketService()", "Leave !"),
                     logLine("WebSocketThread::run()", "b4 call exec()..."),
@@ -130,6 +135,17 @@ void ServiceLogTest::textMessage()
         {logLine("WebSocketService::processTextMessage()", QStringLiteral("Enter, message.length=") + length),
          logLine(dispatcher, QStringLiteral("Enter, strMsg.length=") + length), logLine(dispatcher, "Rx Cmd: CLEAR"),
          logLine(dispatcher, "Leave !"), logLine("WebSocketService::processTextMessage()", "Leave !")});
+}
+
+void ServiceLogTest::commandWithParameters()
+{
+    QVERIFY(!m_client->command(QStringLiteral("UpdateWPSSettings?id=1&dt=0&af=0&pw=3&name=a")).isNull());
+    compareInOrder({logLine(dispatcher, "Rx Cmd: UPDATEWPSSETTINGS"),
+                    logLine("WebSocketService::ParseUrlParameters()", "Enter..."),
+                    logLine("WebSocketService::ParseUrlParameters()", "Leave !"),
+                    logLine("WebSocketService::UpdateWPSSettingsToConfigureFile()", "Enter..."),
+                    logLine("WebSocketService::UpdateWPSSettingsToConfigureFile()", "Leave !"),
+                    logLine(dispatcher, "Leave !")});
 }
 
 void ServiceLogTest::unknownCommandHasNoName()
