@@ -18,6 +18,8 @@
 
 namespace {
 
+const char createTag[] = "SysTrayMenuMgr::CreateSystemTray()";
+
 /// Puts the desktop's entry for the launch at log-in into its place, or takes it away. What fails is not reported: the
 /// next start looks at the entry on disk.
 void SetAutostartEntry(int nOSProductID, bool bLaunch)
@@ -84,31 +86,35 @@ void SysTrayMenuMgr::StartCreateSystemTrayIcon(bool bSysTrayAvailable)
 
 void SysTrayMenuMgr::CreateSystemTray()
 {
-    static const char tag[] = "SysTrayMenuMgr::CreateSystemTray()";
-    MV_LOG(tag, "Enter...");
+    MV_LOG(createTag, "Enter...");
     auto *const pSysTrayIcon = new QSystemTrayIcon; // icon and menu live until the process ends
-    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        MV_LOG(createTag, "System Tray Available...");
+        ShowIcon(*pSysTrayIcon);
+    } else {
         // Runs on without a tray, on purpose: it was there just now.
-        MV_LOG(tag, "System Tray Is NOT Available !!!"); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): lives on
-        MV_LOG(tag, "Leave !");
-        return;
+        // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the icon lives on
+        MV_LOG(createTag, "System Tray Is NOT Available !!!");
     }
-    MV_LOG(tag, "System Tray Available...");
+    MV_LOG(createTag, "Leave !");
+}
+
+void SysTrayMenuMgr::ShowIcon(QSystemTrayIcon &icon)
+{
     auto *const pSysTrayIconMenu = new QMenu;
 
     // The SDK library and the icon are opened relative to the program's own directory.
     QDir::setCurrent(QCoreApplication::applicationDirPath());
     LoadDataFromINIFIle();
-    MV_LOG(tag, "after call LoadDataFromINIFIle()...");
+    MV_LOG(createTag, "after call LoadDataFromINIFIle()...");
     const TrayTexts &texts = TrayTextsOf(INIDATA.nUILangID);
     CreateEntries(texts, *pSysTrayIconMenu);
 
-    pSysTrayIcon->setIcon(QIcon(QStringLiteral("./mvsignpadsdk_wssvr.ico")));
-    pSysTrayIcon->setContextMenu(pSysTrayIconMenu);
-    pSysTrayIcon->setToolTip(QString::fromUtf8(texts.szToolTip));
-    pSysTrayIcon->show();
-    MV_LOG(tag, "after call pSysTrayIcon->show()...");
-    MV_LOG(tag, "Leave !");
+    icon.setIcon(QIcon(QStringLiteral("./mvsignpadsdk_wssvr.ico")));
+    icon.setContextMenu(pSysTrayIconMenu);
+    icon.setToolTip(QString::fromUtf8(texts.szToolTip));
+    icon.show();
+    MV_LOG(createTag, "after call pSysTrayIcon->show()...");
 }
 
 QAction *SysTrayMenuMgr::AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)())

@@ -8,6 +8,7 @@
 class CheckSysTrayThread;
 class QAction;
 class QMenu;
+class QSystemTrayIcon;
 class WebSocketThread;
 struct TrayTexts;
 
@@ -49,6 +50,7 @@ public Q_SLOTS:
 
 private:
     QAction *AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)());
+    void ShowIcon(QSystemTrayIcon &icon);
     void CreateEntries(const TrayTexts &texts, QMenu &menu);
 
     TraySettings INIDATA;
