@@ -18,7 +18,7 @@ QVariant readProperty(const QString &bus, const QString &service, const QString 
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
                                                        QStringLiteral("Get"));
     call << interface << name;
-    const QDBusMessage reply = QDBusConnection(bus).call(call, QDBus::BlockWithGui, 3000);
+    const QDBusMessage reply = QDBusConnection(bus).call(call, QDBus::Block, 3000);
     return reply.arguments().isEmpty() ? QVariant() : reply.arguments().constFirst().value<QDBusVariant>().variant();
 }
 
@@ -100,7 +100,7 @@ QList<StatusNotifierItem::Entry> StatusNotifierItem::menu() const
         QDBusMessage::createMethodCall(item.section(QLatin1Char('/'), 0, 0), path,
                                        QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("GetLayout"));
     call << 0 << -1 << QStringList();
-    const QDBusMessage reply = QDBusConnection(m_busAddress).call(call, QDBus::BlockWithGui, 3000);
+    const QDBusMessage reply = QDBusConnection(m_busAddress).call(call, QDBus::Block, 3000);
     QList<Entry> entries;
     if (reply.arguments().size() != 2)
         return entries;

@@ -126,12 +126,12 @@ void AutostartTest::menuCopiesAndRemovesTheEntry()
     QVERIFY(startProgram(product));
 
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")), patienceMs);
     QCOMPARE(QDir(autostart()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList(entry));
     QCOMPARE(readFile(autostart(entry)), "[Desktop Entry]\nName=" + entry.toUtf8() + '\n');
 
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
     QVERIFY(QDir(autostart()).exists());
     QVERIFY(QDir(autostart()).isEmpty());
     QVERIFY(QFile::exists(applications() + QLatin1Char('/') + entry));
@@ -148,11 +148,11 @@ void AutostartTest::existingEntryIsKept()
     QVERIFY(startProgram(product));
 
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")), patienceMs);
     QCOMPARE(readFile(autostart(entry)), QByteArray("[Desktop Entry]\nName=the administrator's own\n"));
 
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
     QVERIFY(!QFile::exists(autostart(entry)));
     exitThroughMenu();
 }
@@ -179,10 +179,10 @@ void AutostartTest::entryOnDiskDecides()
         QVERIFY(m_desktop->writeSettings(saved.settings));
         QVERIFY(startProgram(product));
         const StatusNotifierItem item(m_desktop->busAddress());
-        QTRY_COMPARE(item.menu().size(), 5);
+        QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
         QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, saved.toggleState);
         exitThroughMenu();
-        QTRY_VERIFY(m_desktop->iconArea().isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
     }
 }
 
@@ -202,16 +202,16 @@ void AutostartTest::unknownProductCopiesNothing()
     QVERIFY(startProgram(product));
     for (const char *line : {"AutoLaunch=true", "AutoLaunch=false", "AutoLaunch=true"}) {
         QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
-        QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String(line)));
+        QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String(line)), patienceMs);
     }
     QVERIFY(QDir(autostart()).exists());
     QVERIFY(QDir(autostart()).isEmpty());
     exitThroughMenu();
-    QTRY_VERIFY(m_desktop->iconArea().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
 
     QVERIFY(startProgram(product));
     const StatusNotifierItem item(m_desktop->busAddress());
-    QTRY_COMPARE(item.menu().size(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
     QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, 0);
     exitThroughMenu();
 }
@@ -222,7 +222,7 @@ void AutostartTest::missingPackageCopiesNothing()
     QVERIFY(m_desktop->startTrayer());
     QVERIFY(startProgram(QStringLiteral("kylin")));
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
-    QTRY_VERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")), patienceMs);
     QVERIFY(QDir(autostart()).isEmpty());
     exitThroughMenu();
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
