@@ -28,7 +28,7 @@ private Q_SLOTS:
     void trayAtTheStart_data();
     void trayAtTheStart();
     void xembedTrayTenSecondsLate();
-    void statusNotifierHostSevenSecondsLate();
+    void statusNotifierHostTenSecondsLate();
     void statusNotifierHostThatLeavesBeforeTheStart();
 
 private:
@@ -101,9 +101,9 @@ void LateTrayTest::xembedTrayTenSecondsLate()
     exitThroughMenu();
 }
 
-void LateTrayTest::statusNotifierHostSevenSecondsLate()
+void LateTrayTest::statusNotifierHostTenSecondsLate()
 {
-    QVERIFY(startWaiting(7));
+    QVERIFY(startWaiting(10));
     const qint64 process = m_program->process().processId();
     QVERIFY(m_desktop->startStatusNotifierHost());
     QElapsedTimer timer;
