@@ -149,9 +149,9 @@ QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event
         if (base64 != last) {
             if (szChanged)
                 MV_LOG_PAD(operation, "%s", szChanged);
-            strResult = ImageReply(event, strBase64);
             last = std::move(base64);
-            last.squeeze(); // the conversion leaves room to grow
+            last.squeeze(); // the conversion leaves room to grow, which the reply takes
+            strResult = ImageReply(event, strBase64);
         }
         release.pfn(Sdk::nDeviceID, pText);
         MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);
