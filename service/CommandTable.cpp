@@ -187,6 +187,16 @@ const Command commandTable[nCommandCount] = {
 };
 // clang-format on
 
+QStringList Command::Keys() const
+{
+    QStringList names;
+    for (const char *key : keys) {
+        if (key)
+            names += QString::fromLatin1(key);
+    }
+    return names;
+}
+
 std::optional<QStringList> Command::Values(const QString &strMsg) const
 {
     const QMap<QString, QString> parameters = ParseUrlParameters(strMsg);

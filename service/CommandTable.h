@@ -16,6 +16,7 @@ struct Command {
     /// Runs the request; no value means that it is invalid.
     std::optional<QString> (*run)(WebSocketService &service, const Command &command, const QString &strMsg);
 
+    QStringList Keys() const;
     /// The request's values in the order of the keys, a missing key's as the empty text; none when the number of
     /// distinct keys in the request differs from the row's.
     std::optional<QStringList> Values(const QString &strMsg) const;

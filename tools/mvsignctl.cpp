@@ -24,14 +24,8 @@ void Print(std::FILE *stream, const QString &text)
 
 void PrintCommands()
 {
-    for (const Command &command : commandTable) {
-        QStringList words{QString::fromLatin1(command.szName)};
-        for (const char *key : command.keys) {
-            if (key)
-                words += QString::fromLatin1(key);
-        }
-        Print(stdout, words.join(QLatin1Char(' ')));
-    }
+    for (const Command &command : commandTable)
+        Print(stdout, (QStringList{QString::fromLatin1(command.szName)} + command.Keys()).join(QLatin1Char(' ')));
 }
 
 struct Options {
