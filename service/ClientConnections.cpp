@@ -12,22 +12,23 @@ namespace {
 /// How soon the memory that texts have gone through goes back to the system.
 constexpr int nTrimDelayMs = 1000;
 
-/// The header of a whole text message in one frame of a server, which does not mask.
-QByteArray FrameHeader(int nPayload)
+/// Writes the header of a whole text message in one frame of a server, which does not mask.
+void WriteFrameHeader(QTcpSocket *pConnection, int nPayload)
 {
-    QByteArray header(1, '\x81'); // final, text
+    char header[10] = {'\x81'}; // final, text
+    int nSize = 2;
     if (nPayload < 126) {
-        header += static_cast<char>(nPayload);
+        header[1] = static_cast<char>(nPayload);
     } else if (nPayload <= 0xffff) {
-        header += '\x7e';
-        header.resize(4);
-        qToBigEndian(static_cast<quint16>(nPayload), header.data() + 2);
+        header[1] = '\x7e';
+        qToBigEndian(static_cast<quint16>(nPayload), header + 2);
+        nSize = 4;
     } else {
-        header += '\x7f';
-        header.resize(10);
-        qToBigEndian(static_cast<quint64>(nPayload), header.data() + 2);
+        header[1] = '\x7f';
+        qToBigEndian(static_cast<quint64>(nPayload), header + 2);
+        nSize = 10;
     }
-    return header;
+    pConnection->write(header, nSize);
 }
 
 } // namespace
@@ -79,7 +80,7 @@ void ClientConnections::SendText(QWebSocket *pClient, const QByteArray &text)
     if (pClient->state() != QAbstractSocket::ConnectedState)
         return;
     if (QTcpSocket *const pConnection = m_connections.value(pClient)) {
-        pConnection->write(FrameHeader(text.size()));
+        WriteFrameHeader(pConnection, text.size());
         pConnection->write(text);
         // With more requests at hand, their replies go out together.
         if (pConnection->bytesAvailable() == 0)

@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -144,6 +145,13 @@ Reply EnableRealtimeSigningNotification(WebSocketService &service, const Command
         Number(values->at(0)), WebSocketServiceSignPadEventCallback, WebSocketServiceSignBase64DataCallback));
 }
 
+/// Walks: among so few keys that is faster than to make the text that the map would look for.
+QString ValueOf(const QMap<QString, QString> &parameters, QLatin1String key)
+{
+    const auto found = std::find(parameters.keyBegin(), parameters.keyEnd(), key);
+    return found == parameters.keyEnd() ? QString() : *found.base();
+}
+
 } // namespace
 
 // Some names are not those of the operations or of the log, on purpose: SaveDrawingImage, UninitialDevice,
@@ -201,9 +209,10 @@ std::optional<QStringList> Command::Values(const QString &strMsg) const
 {
     const QMap<QString, QString> parameters = ParseUrlParameters(strMsg);
     QStringList values;
+    values.reserve(nMostUrlParameters);
     for (const char *key : keys) {
         if (key)
-            values += parameters.value(QLatin1String(key));
+            values += ValueOf(parameters, QLatin1String(key));
     }
     if (parameters.size() != values.size())
         return {};

@@ -26,10 +26,15 @@ namespace {
 /// Guards g_pWebSocketService: a callback on another thread must not meet a service that is being destroyed.
 QBasicMutex pushTargetMutex;
 
+/// Bytes that hold the reply of most commands.
+constexpr int nSmallReply = 128;
+
 /// In UTF-8, as it is sent.
 QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
 {
-    QByteArray reply = "{\"API\":";
+    QByteArray reply;
+    reply.reserve(nSmallReply);
+    reply += "{\"API\":";
     AppendJsonString(reply, strAPI);
     reply += ",\"Result\":";
     AppendJsonString(reply, strResult);
@@ -161,8 +166,11 @@ int WebSocketService::RecognisedCommand(const QString &strMsg) const
     if (!strMsg.startsWith(m_strServiceUrl))
         return -1;
     const QStringRef call = strMsg.midRef(m_strServiceUrl.size());
+    if (call.isEmpty())
+        return -1;
     for (int i = 0; i < m_APINameList.size(); ++i) {
-        if (call.startsWith(m_APINameList.at(i))) // whatever follows the name is not looked at
+        const QString &name = m_APINameList.at(i);
+        if (call.at(0) == name.at(0) && call.startsWith(name)) // whatever follows the name is not looked at
             return i;
     }
     return -1;
