@@ -12,6 +12,8 @@
     { name: 'formatPoints', file: 'signature.json', of: ({ points }) => points },
   ];
 
+  const MOST_ROWS = 1000;
+
   let result = null;
   let chosen = FORMATS[0];
   let downloadUrl = '';
@@ -68,10 +70,12 @@
 
   function renderPoints() {
     const { points } = result;
-    find('points-rows').replaceChildren(...points.map(row));
+    const rows = points.slice(0, MOST_ROWS).map(row);
+    find('points-rows').replaceChildren(...rows);
     const blob = new Blob([JSON.stringify(points, null, 1)], { type: 'application/json' });
+    const facts = t('pointsFacts', { points: points.length, strokes: strokesOf(points), size: kilobytes(blob) });
     find('format-facts').textContent =
-      t('pointsFacts', { points: points.length, strokes: strokesOf(points), size: kilobytes(blob) });
+      rows.length < points.length ? `${facts} ${t('pointsCut', { rows: rows.length })}` : facts;
     return blob;
   }
 

@@ -132,6 +132,21 @@ describe('a whole capture', () => {
     });
   }
 
+  test('of a very long signature the table shows the beginning, the download all', async (t) => {
+    const ink = path.join(directory, 'long.json');
+    const long = Array.from({ length: 3000 }, (_, i) => ({ x: String(100 + i % 600), y: String(100 + i % 280),
+      pressure: '500', bStrokeEnd: i === 2999 ? '1' : '0', Time: String(i) }));
+    await writeFile(ink, JSON.stringify(long));
+    const { port } = await service(t, { virtual: { INK: ink, SPEED: '0' } });
+    const page = await visit(t, web.page, port);
+    await button(page, 'Start signing').click();
+    await says(page, 'Signed: 3000 points in 1 stroke.');
+    await page.getByRole('tab', { name: 'Points' }).click();
+    await page.getByText('(the first 1000 are shown, the download has them all)').waitFor();
+    assert.equal(await page.locator('#points-rows tr').count(), 1000);
+    assert.equal(JSON.parse((await download(page)).bytes).length, 3000);
+  });
+
   test('the picture, the preview and the points show the same ink', async (t) => {
     const { port } = await service(t, { virtual: { INK: inkFile, SPEED: '0' } });
     const page = await visit(t, web.page, port);
