@@ -447,7 +447,6 @@ int main(int argc, char *argv[])
     }
     std::fprintf(stderr,
                  "usage: %s --mode pingpong|pipeline|push|digest --port P --request TEXT [--setup TEXT]... "
-                 ""
                  "[--server PID] [--clients N] [--seconds S] [--count N]\n",
                  argv[0]);
     return EXIT_FAILURE;

@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 . scripts/packages.sh
-install_missing "${build_packages[@]}" nodejs npm gnuplot-nox libboost-dev libbenchmark-dev util-linux
+install_missing "${build_packages[@]}" "${isolation_packages[@]}" nodejs npm gnuplot-nox libboost-dev libbenchmark-dev
 cmake -S . -B build-bench -G Ninja -DMVSIGNPAD_BENCH=ON -DBUILD_TESTING=OFF
 cmake --build build-bench
 npm --prefix bench/node ci --no-audit --no-fund

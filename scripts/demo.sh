@@ -101,6 +101,11 @@ ask() {
     [ ${#line} -le 70 ] || line="${line:0:56}... (${#line} characters)"
     printf '  %-62s -> %s\n' "$call" "$line"
 }
+# keep_saved FILE: takes the picture whose path is in $result into the output.
+keep_saved() {
+    [[ $result == /* ]] || fail "the picture was not saved: $result"
+    mv -f "$result" "$output/$1"
+}
 # The picture inside the image reply in $result, decoded.
 picture() {
     local image=${result#*\"Image\":\"}
@@ -129,7 +134,7 @@ capture_signature() {
     ask GetInks
     picture >"$output/signature-transparent.png"
     ask SaveDrawingImage type=3 dpi=300 path="$work/signature.png"
-    cp "$result" "$output/signature.png"
+    keep_saved signature.png
     ask GetSVGImageBase64Data
     base64 -d <<<"$result" >"$output/signature.svg"
 }
@@ -137,7 +142,8 @@ capture_wps_signature() {
     echo "A WPS signature with name and date:"
     ask UpdateWPSSettings id=1 dt=1 af=0 pw=4 name='Lena Vale 简'
     ask WPSSignConfirmed id=1
-    cp "$result" "$output/wps-signature.png"
+    keep_saved wps-signature.png
+    rm -f /tmp/MVeSignWPS.png # of which it is composed
 }
 capture_fingerprint() {
     echo "A fingerprint on the Cedar pad:"

@@ -3,14 +3,16 @@
 build_packages=(cmake ninja-build g++ qtbase5-dev libqt5websockets5-dev)
 # A desktop without a screen: the server, a tray, fonts for the menu's texts, tools to look and click.
 desktop_packages=(xvfb trayer xdotool imagemagick x11-utils procps fonts-dejavu-core fonts-noto-cjk)
-test_packages=(valgrind dbus openbox lxqt-panel util-linux iproute2 desktop-file-utils librsvg2-bin icoutils binutils file
-    nodejs npm chromium openssl)
+# What tests/desktop/isolated.sh takes.
+isolation_packages=(util-linux iproute2)
+test_packages=("${isolation_packages[@]}" valgrind dbus openbox lxqt-panel desktop-file-utils librsvg2-bin icoutils binutils
+    file nodejs npm chromium openssl)
 
 # The cross-compiler, the emulator, and the target's libraries beside the machine's own.
 arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5websockets5-dev:arm64)
 packaging_packages=(dpkg-dev lintian)
 lint_packages=(clang python3-clang-14)
-fuzz_packages=(clang libclang-rt-dev)
+fuzz_packages=("${isolation_packages[@]}" clang libclang-rt-dev)
 soak_packages=(gnuplot-nox)
 check_packages=("${fuzz_packages[@]}" "${soak_packages[@]}" clang-tidy clazy cppcheck)
 

@@ -13,7 +13,7 @@ fi
 . scripts/packages.sh
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${soak_packages[@]}"
 build=$PWD/${MVSIGNPAD_BUILD:-build}
-cmake -S . -B "$build" -G Ninja >/dev/null
+cmake -S . -B "$build" -G Ninja -DBUILD_TESTING=ON >/dev/null
 cmake --build "$build" --target soak mvsignpadsdk_wssvr
 mkdir -p "$build/soak"
 status=0
