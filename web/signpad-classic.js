@@ -317,6 +317,7 @@ globalThis.MVSignPad ??= (() => {
     try {
       return new WebSocketClass(url);
     } catch (cause) {
+      if (cause?.name === 'SyntaxError') refuse('host', 'the name or the address of a computer, an IPv6 address in brackets');
       if (cause?.name !== 'SecurityError') throw cause;
       throw new SignPadError('permission-denied', `The browser does not let this page reach ${url}`, { cause });
     }
@@ -422,20 +423,29 @@ globalThis.MVSignPad ??= (() => {
      * aborts. Raises `pad-missing` when the pad is gone.
      */
     async *watch({ interval = POLL_INTERVAL_MS, signal } = {}) {
+      try {
+        yield* this.#watch(interval, { signal });
+      } catch (error) {
+        if (!signal?.aborted) throw error;
+      }
+    }
+
+    async *#watch(interval, options) {
       let seen = {};
       let presenceCheckedAt = -Infinity;
-      while (!signal?.aborted) {
+      while (!options.signal?.aborted) {
         if (performance.now() - presenceCheckedAt >= PRESENCE_CHECK_MS) {
-          if (!await this.isValid()) throw new SignPadError('pad-missing', 'The pad is no longer there');
+          if (!await this.isValid(options)) throw new SignPadError('pad-missing', 'The pad is no longer there');
           presenceCheckedAt = performance.now();
         }
-        const key = await this.getDeviceConfirmOrCancelKeyStatus(); // first: the ink then holds all that came before it
-        const size = await this.getSize();
-        const points = size === seen.size ? seen.points : await this.getPointer();
+        // The key first: the ink then holds all that came before it.
+        const key = await this.getDeviceConfirmOrCancelKeyStatus(options);
+        const size = await this.getSize(options);
+        const points = size === seen.size ? seen.points : await this.getPointer(options);
         const changed = size !== seen.size || key !== seen.key;
         seen = { size, key, points };
-        if (changed && !signal?.aborted) yield { points, key };
-        await delay(interval, signal);
+        if (changed) yield { points, key };
+        await delay(interval, options.signal);
       }
     }
 
@@ -481,13 +491,13 @@ globalThis.MVSignPad ??= (() => {
     #sendNext() {
       if (this.#current || this.#waiting.length === 0) return;
       const request = this.#current = this.#waiting.shift();
-      this.#announce('sent', request.text);
       this.#socket.send(request.text);
       if (Object.hasOwn(PUSHES, request.row.api)) {
         // The service echoes binary messages in their turn: once this one is back, the reply must have come.
         request.fence = ++this.#fences;
         this.#socket.send(Uint32Array.of(request.fence));
       }
+      this.#announce('sent', request.text); // last: a listener may close the connection
     }
 
     #finish(act) {

@@ -70,6 +70,8 @@ export declare class SignPadData {
 /** The part of a WebSocket class that the client uses; the browser's and the `ws` package's fit. */
 export type WebSocketClass = new (url: string) => {
   binaryType: any;
+  readonly readyState: number;
+  readonly CONNECTING: number;
   onopen: any;
   onclose: any;
   onerror: any;

@@ -123,6 +123,7 @@
 
   /** Tries until it works or the wish ends. */
   async function connect() {
+    if (!find('service').reportValidity()) return;
     disconnect();
     const port = find('port').valueAsNumber;
     const { signal } = wish = Object.assign(new AbortController(), { port });
@@ -252,6 +253,7 @@
 
   async function collect() {
     const points = await pad.getPointer();
+    if (points.length === 0) return say({ status: ['statusEmpty'], notice: idleNotice() }); // cleared at the same moment
     const png = await pad.encode(TRANSPARENT_PNG);
     const pngWhite = await pad.getOpaqueInks();
     const svg = await pad.getSVGImageBase64Data();
@@ -271,11 +273,18 @@
   }
 
   async function clear() {
-    session.isClearing = true;
-    await pad.clear();
-    showInk([]);
-    status('statusCleared');
-    session.isClearing = false;
+    const clearing = session;
+    clearing.isClearing = true;
+    renderButtons();
+    try {
+      await pad.clear();
+      if (session !== clearing) return;
+      showInk([]);
+      status('statusCleared');
+    } finally {
+      clearing.isClearing = false;
+      renderButtons();
+    }
   }
 
   function explain(error) {
@@ -322,7 +331,7 @@
     find('start').hidden = session !== null || said.notice !== null;
     find('live').hidden = !session?.isOpen;
     find('models').disabled = session !== null;
-    find('clear').disabled = find('confirm').disabled = !session?.isOpen || isEmpty;
+    find('clear').disabled = find('confirm').disabled = !session?.isOpen || session.isClearing || isEmpty;
     find('cancel').disabled = !session;
   }
 
@@ -345,6 +354,7 @@
   extras.start();
   const port = Number(new URLSearchParams(location.search).get('port') ?? stored('port'));
   if (port > 0) find('port').value = port;
+  if (!find('port').validity.valid) find('port').value = find('port').defaultValue;
   find('ink').style.aspectRatio = `${PAD_SIZE.width} / ${PAD_SIZE.height}`;
   view.size = PAD_SIZE;
   onLanguage(renderWords);
@@ -358,7 +368,7 @@
   });
   find('connect').addEventListener('click', () => {
     if (wish?.port === find('port').valueAsNumber) disconnect();
-    else if (find('service').reportValidity()) connect();
+    else connect();
   });
   find('port').addEventListener('input', renderWords);
   find('start').addEventListener('click', sign);

@@ -3,7 +3,7 @@
   'use strict';
 
   const { t, onLanguage } = globalThis.Demo;
-  const LONGEST_LIST = 500;
+  const MOST_OF_A_KIND = 500; // polls and others apart, so that polling does not push the rest out
   const LONGEST_TEXT = 300;
   const POLLS = new Set(['GetSize', 'GetPointer', 'GetDeviceConfirmOrCancelKeyStatus', 'IsValid']);
 
@@ -24,7 +24,8 @@
     return element;
   }
 
-  function line({ time, direction, text }) {
+  function lineOf(entry) {
+    const { time, direction, text } = entry;
     const item = document.createElement('li');
     item.dataset.direction = direction;
     const mark = cell('direction', direction === 'sent' ? '→' : '←');
@@ -32,29 +33,35 @@
     mark.setAttribute('role', 'img');
     const rest = text.length > LONGEST_TEXT ? ` ${t('logMore', { count: text.length })}` : '';
     item.append(cell('clock', clock(time)), mark, cell('text', text.slice(0, LONGEST_TEXT) + rest));
-    return item;
+    return entry.line = item;
   }
 
-  const isShown = (entry) => showPolls.checked || !POLLS.has(apiOf(entry));
+  const isShown = ({ isPoll }) => showPolls.checked || !isPoll;
 
   function updateCount() {
     document.getElementById('log-count').textContent = t('logCount', { count: entries.length });
   }
 
+  function dropOldest(kind) {
+    const [oldest, ...others] = entries.filter(({ isPoll }) => isPoll === kind);
+    if (others.length < MOST_OF_A_KIND) return;
+    entries.splice(entries.indexOf(oldest), 1);
+    oldest.line?.remove();
+  }
+
   function add(detail) {
-    const entry = { ...detail, time: new Date() };
+    const entry = { ...detail, time: new Date(), isPoll: POLLS.has(apiOf(detail)) };
     entries.push(entry);
-    if (entries.length > LONGEST_LIST) entries.shift();
+    dropOldest(entry.isPoll);
     updateCount();
     if (!isShown(entry)) return;
     const atEnd = list.scrollTop + list.clientHeight > list.scrollHeight - 8;
-    list.append(line(entry));
-    if (list.childElementCount > LONGEST_LIST) list.firstElementChild.remove();
+    list.append(lineOf(entry));
     if (atEnd) list.scrollTop = list.scrollHeight;
   }
 
   function rebuild() {
-    list.replaceChildren(...entries.filter(isShown).map(line));
+    list.replaceChildren(...entries.filter(isShown).map(lineOf));
     list.scrollTop = list.scrollHeight;
     updateCount();
   }

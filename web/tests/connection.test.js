@@ -376,3 +376,25 @@ function asEmitter(pad, type) {
   pad.addEventListener(type, ({ detail }) => emitter.emit(type, detail));
   return emitter;
 }
+
+test('watch ends at once on abort, also while the pad does not answer', async (t) => {
+  const { pad } = await start(t, () => undefined, { timeout: 2000 });
+  const controller = new AbortController();
+  setTimeout(() => controller.abort(), 100);
+  const begun = performance.now();
+  for await (const progress of pad.watch({ signal: controller.signal })) assert.fail(progress);
+  assert.ok(performance.now() - begun < 1000);
+});
+
+test('a listener may close the connection while a request goes out', async (t) => {
+  const { pad } = await start(t, (request) => reply(request, '0'));
+  pad.addEventListener('message', () => pad.close());
+  await assert.rejects(pad.getSize(), { code: 'connection-lost' });
+  await assert.rejects(pad.getSize(), { code: 'connection-lost' });
+});
+
+test('what is no host is refused as an argument', async () => {
+  for (const host of ['::1', 'a b', '']) {
+    await assert.rejects(SignPad.connect({ host, WebSocket }), { code: 'invalid-argument' }, host);
+  }
+});

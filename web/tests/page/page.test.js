@@ -79,10 +79,8 @@ async function keepDesktop(name) {
   execFileSync('import', ['-window', 'root', path.join(OUTPUT, name)], { env: desktop.environment });
 }
 
-async function download(page) {
-  const [file] = await Promise.all([
-    page.waitForEvent('download'), page.getByRole('link', { name: 'Download' }).click(),
-  ]);
+async function download(page, link = page.getByRole('link', { name: 'Download' })) {
+  const [file] = await Promise.all([page.waitForEvent('download'), link.click()]);
   return { name: file.suggestedFilename(), bytes: await readFile(await file.path()) };
 }
 
@@ -129,8 +127,30 @@ describe('a whole capture', () => {
       assert.equal(json.length, 600);
       assert.equal(json.filter(({ strokeEnd }) => strokeEnd).length, 4);
       assert.deepEqual(Object.keys(json[0]).sort(), ['pressure', 'strokeEnd', 'time', 'x', 'y']);
+
+      await page.locator('#log-details summary').click();
+      await page.evaluate(() => {
+        const poll = { direction: 'sent', text: 'ws://localhost:8089/MVSignSDK/GetSize' };
+        for (let i = 0; i < 600; ++i) globalThis.Demo.log.add(poll);
+      });
+      const saved = (await download(page, button(page, 'Save as text'))).bytes.toString();
+      assert.match(saved, /-> ws:.*InitialDevice\?/);
+      await page.getByRole('checkbox', { name: 'Show polling' }).check();
+      assert.equal(await page.locator('#log').getByText(/GetSize$/).count(), 500);
+      await page.getByRole('checkbox', { name: 'Show polling' }).uncheck();
+      await page.locator('#log').getByText('InitialDevice?').waitFor();
     });
   }
+
+  test('a port that is none gives way to the usual one, and is not connected to', async (t) => {
+    const page = await visit(t, web.page, 70000);
+    assert.equal(await page.getByRole('spinbutton', { name: 'Port' }).inputValue(), '8089');
+    await notice(page, 'The signature service is not running');
+    await page.getByRole('spinbutton', { name: 'Port' }).fill('');
+    await button(page, 'Try again').click();
+    assert.equal(await page.locator('#port').evaluate((field) => field.validity.valid), false);
+    assert.equal(await page.locator('#notice-text').textContent().then((text) => text.includes('NaN')), false);
+  });
 
   test('of a very long signature the table shows the beginning, the download all', async (t) => {
     const ink = path.join(directory, 'long.json');
