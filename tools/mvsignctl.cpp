@@ -30,6 +30,7 @@ void PrintCommands()
 
 struct Options {
     QUrl url;
+    QString api;
     QString request;
     int nTimeoutMs = 0;
     bool bRaw = false;
@@ -59,10 +60,17 @@ public:
 private:
     void PrintReply(const QString &reply)
     {
-        m_socket.disconnect(this);
         const QJsonObject envelope = QJsonDocument::fromJson(reply.toUtf8()).object();
-        const bool bInvalid = envelope.value(QLatin1String("API")) == QLatin1String("Invalid API request");
-        Print(stdout, m_options.bRaw ? reply : envelope.value(QLatin1String("Result")).toString());
+        const QString api = envelope.value(QLatin1String("API")).toString();
+        const QJsonValue result = envelope.value(QLatin1String("Result"));
+        if (api.isEmpty() || !result.isString())
+            return GiveUp(
+                QStringLiteral("what answers at %1 is not the signature pad service").arg(m_options.url.toString()));
+        const bool bInvalid = api == QLatin1String("Invalid API request");
+        if (!bInvalid && !m_options.api.startsWith(api))
+            return; // a message to all clients, which came before the reply
+        m_socket.disconnect(this);
+        Print(stdout, m_options.bRaw ? reply : result.toString());
         if (bInvalid)
             Print(stderr,
                   QStringLiteral("mvsignctl: the service calls this an invalid request: %1").arg(m_options.request));
@@ -113,20 +121,22 @@ int main(int argc, char *argv[])
     const QCommandLineOption raw(QStringLiteral("raw"), QStringLiteral("Print the whole reply."));
     const QCommandLineOption list(QStringLiteral("list"), QStringLiteral("Print the commands with their keys."));
 
+    // Not the parser's own, to which some versions of Qt add a "--help-all".
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Print this help."));
+
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Sends one request to the signature pad service and prints the result.\n"
                        "Exit status: 0 a result, 1 the service calls the request invalid, 2 no connection, no answer "
                        "or wrong usage."));
-    parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({host, port, timeout, raw, list});
+    parser.addOptions({host, port, timeout, raw, list, help});
     parser.addPositionalArgument(QStringLiteral("API"), QStringLiteral("The command, for example SetPenColor."));
     parser.addPositionalArgument(QStringLiteral("key=value"), QStringLiteral("Its parameters, for example R=255."),
                                  QStringLiteral("[key=value ...]"));
     if (!parser.parse(QCoreApplication::arguments()))
         return WrongUsage(parser.errorText());
-    if (parser.isSet(QStringLiteral("help")))
+    if (parser.isSet(help))
         parser.showHelp(Success);
     if (parser.isSet(QStringLiteral("version")))
         parser.showVersion();
@@ -151,7 +161,8 @@ int main(int argc, char *argv[])
     options.url.setHost(parser.value(host));
     options.url.setPort(nPort);
     // The service knows its requests by this address, whatever host it is reached through.
-    options.request = QStringLiteral("ws://localhost:%1/MVSignSDK/%2").arg(nPort).arg(call.takeFirst());
+    options.api = call.takeFirst();
+    options.request = QStringLiteral("ws://localhost:%1/MVSignSDK/%2").arg(nPort).arg(options.api);
     if (!call.isEmpty())
         options.request += QLatin1Char('?') + call.join(QLatin1Char('&'));
 

@@ -54,6 +54,8 @@ private Q_SLOTS:
     void noConnection();
     void noAnswer();
     void noHandshake();
+    void anotherServer_data();
+    void anotherServer();
     void connectionLostBeforeTheReply();
     void list();
     void help_data();
@@ -182,6 +184,31 @@ void MvsignctlTest::connectionLostBeforeTheReply()
     QVERIFY(outcome.errors.startsWith("mvsignctl: "));
 }
 
+void MvsignctlTest::anotherServer_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char *text :
+         {"hello", "", "[]", "{\"API\":\"Clear\"}", "{\"API\":\"Clear\",\"Result\":0}", "{\"Result\":\"0\"}"})
+        QTest::newRow(text) << QString::fromLatin1(text);
+}
+
+void MvsignctlTest::anotherServer()
+{
+    QFETCH(QString, text);
+    QWebSocketServer other(QStringLiteral("other"), QWebSocketServer::NonSecureMode);
+    QVERIFY(other.listen(QHostAddress::LocalHost));
+    connect(&other, &QWebSocketServer::newConnection, this, [&] {
+        QWebSocket *socket = other.nextPendingConnection();
+        socket->setParent(&other);
+        connect(socket, &QWebSocket::textMessageReceived, socket, [=] { socket->sendTextMessage(text); });
+    });
+    const Outcome outcome = run({QStringLiteral("--host"), QStringLiteral("127.0.0.1"), QStringLiteral("--port"),
+                                 QString::number(other.serverPort()), QStringLiteral("Clear")});
+    QCOMPARE(outcome.status, 2);
+    QCOMPARE(outcome.output, QByteArray());
+    QVERIFY2(outcome.errors.contains("is not the signature pad service"), outcome.errors.constData());
+}
+
 void MvsignctlTest::list()
 {
     const Outcome outcome = run({QStringLiteral("--list")});
@@ -205,6 +232,7 @@ void MvsignctlTest::help()
     QCOMPARE(outcome.errors, QByteArray());
     for (const char *word : {"--host", "--port", "--timeout", "--raw", "--list", "--help", "--version", "key=value"})
         QVERIFY2(outcome.output.contains(word), word);
+    QVERIFY(!outcome.output.contains("--help-all"));
 }
 
 void MvsignctlTest::version()
@@ -248,7 +276,9 @@ void MvsignctlTest::requestOnTheWire()
         socket->setParent(&server);
         connect(socket, &QWebSocket::textMessageReceived, socket, [&received, socket](const QString &text) {
             received.append(text);
-            socket->sendTextMessage(QStringLiteral(R"({"API":"X","Result":"签 \n\"quoted\""})"));
+            // A message to all clients comes before the reply.
+            socket->sendTextMessage(QStringLiteral(R"({"API":"GetDeviceConfirmOrCancelKeyStatus","Result":"1"})"));
+            socket->sendTextMessage(QStringLiteral(R"({"API":"SaveDrawingImage","Result":"签 \n\"quoted\""})"));
         });
     });
     const QString port = QString::number(server.serverPort());
