@@ -51,8 +51,7 @@ int coordinate(const QJsonValue &point, const char *name)
 
 QString handwritingFile()
 {
-    const QByteArray file = qgetenv("MVSIGNPAD_TEST_HANDWRITING");
-    return QFile::decodeName(file.isEmpty() ? QByteArray(MVSIGNPAD_HANDWRITING) : file);
+    return QStringLiteral(MVSIGNPAD_HANDWRITING);
 }
 
 QJsonArray recordedHandwriting()

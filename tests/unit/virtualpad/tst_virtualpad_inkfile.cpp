@@ -180,7 +180,7 @@ private Q_SLOTS:
 
     void aPersonsHandwritingComesBackEqual()
     {
-        QFile file(QStringLiteral(RECORDED_INK_FILE));
+        QFile file(QStringLiteral(MVSIGNPAD_HANDWRITING));
         if (!file.open(QIODevice::ReadOnly))
             QSKIP("the recorded handwriting is not on this machine");
         const QByteArray text = file.readAll();
