@@ -10,7 +10,9 @@
 
 DetectSigngleInstance::DetectSigngleInstance(QObject *parent) : QObject(parent)
 {
-    MV_LOG("DetectSigngleInstance::DetectSigngleInstance()", "Enter...");
+    static const char tag[] = "DetectSigngleInstance::DetectSigngleInstance()";
+    MV_LOG(tag, "Enter...");
+    MV_LOG(tag, "Leave !");
 }
 
 bool DetectSigngleInstance::IsSingleInstance()

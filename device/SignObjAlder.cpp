@@ -17,9 +17,8 @@ bool SignObjAlder::SetRealTimeSignBase64DataCallback(int nType, SignPadEventCall
                                                      SignBase64DataCallback pfnSignBase64DataCallback)
 {
     MV_LOG_PAD("SetRealTimeSignBase64DataCallback",
-               "Enter, nType=%d, pfnSignPadEventCallback=%lx,pfnSignBase64DataCallback=%lx", nType,
-               reinterpret_cast<unsigned long>(pfnSignPadEventCallback),
-               reinterpret_cast<unsigned long>(pfnSignBase64DataCallback));
+               "Enter, nType=%d, pfnSignPadEventCallback=%x,pfnSignBase64DataCallback=%x", nType,
+               LoggedAddress(pfnSignPadEventCallback), LoggedAddress(pfnSignBase64DataCallback));
     m_pfnSignPadEventCallback = pfnSignPadEventCallback;
     m_pfnSignBase64DataCallback = pfnSignBase64DataCallback;
     bool bRet = false;

@@ -6,6 +6,7 @@
 #include "device/SignObjCedar.h"
 #include "device/SignObjMaple.h"
 #include "device/SignObjRowan.h"
+#include "device/SignPadEvents.h"
 
 #include <QByteArray>
 
@@ -119,6 +120,7 @@ bool SignObjManager::InitialDevice(int nID, int nWidth, int nHeight)
     MV_LOG_MANAGER("InitialDevice", "Enter, nID=%d, nWidth=%d, nHeight=%d", nID, nWidth, nHeight);
     if (m_pCurrentActiveSignObj) {
         m_pCurrentActiveSignObj->UnInitialDevice();
+        MV_LOG_MANAGER("InitialDevice", "after call m_pCurrentActiveSignObj->UnInitialDevice()");
         DeletePadObject("InitialDevice"); // before the next one loads the library
     }
     m_pCurrentActiveSignObj = CreatePadObject(nID);
@@ -323,9 +325,8 @@ bool SignObjManager::SetRealTimeSignBase64DataCallback(int nType, void (*pfnSign
                                                        void (*pfnSignBase64DataCallback)(char *))
 {
     MV_LOG_MANAGER("SetRealTimeSignBase64DataCallback",
-                   "Enter, nType=%d, pfnSignPadEventCallback=%lx,pfnSignBase64DataCallback=%lx", nType,
-                   reinterpret_cast<unsigned long>(pfnSignPadEventCallback),
-                   reinterpret_cast<unsigned long>(pfnSignBase64DataCallback));
+                   "Enter, nType=%d, pfnSignPadEventCallback=%x,pfnSignBase64DataCallback=%x", nType,
+                   LoggedAddress(pfnSignPadEventCallback), LoggedAddress(pfnSignBase64DataCallback));
     return ForwardNumber({"SetRealTimeSignBase64DataCallback", "bRet", "Leave with"}, false,
                          &SignObjInterface::SetRealTimeSignBase64DataCallback, nType, pfnSignPadEventCallback,
                          pfnSignBase64DataCallback);

@@ -87,6 +87,7 @@ void DiagnosticLogTest::mainThreadLines()
     const QStringList expected{
         logLine("main()", "Enter, argc=1"),
         logLine("DetectSigngleInstance::DetectSigngleInstance()", "Enter..."),
+        logLine("DetectSigngleInstance::DetectSigngleInstance()", "Leave !"),
         logLine("DetectSigngleInstance::IsSingleInstance()", "Enter..."),
         logLine(guard, "stdprocessName=mvsignpadsdk_wssvr"),
         logLine(guard, "strOutputParts.size=2"),
@@ -146,6 +147,7 @@ void DiagnosticLogTest::otherThreadsLines()
     const QString port = QString::number(m_port);
     const QStringList expected{
         logLine("CheckSysTrayThread::CheckSysTrayThread()", "Enter..."),
+        logLine("CheckSysTrayThread::CheckSysTrayThread()", "Leave !"),
         logLine("CheckSysTrayThread::run()", "Enter..."),
         logLine("CheckSysTrayThread::run()", "i=0, bSysTrayAvailable=1"),
         logLine("CheckSysTrayThread::run()", "Leave !"),

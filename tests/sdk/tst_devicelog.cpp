@@ -345,6 +345,7 @@ void TestDeviceLog::reopening()
                                              "P:UnInitialDevice Enter...\n"
                                              "P:UnInitialDevice after call m_pfn_MV*_UnInitialDevice(), nResult=0\n"
                                              "P:UnInitialDevice Leave, bResult=1\n"
+                                             "M after call m_pCurrentActiveSignObj->UnInitialDevice()\n"
                                              "P:~%1 Enter...\n"
                                              "P:~%1 Leave !\n"
                                              "M after call m_pCurrentActiveSignObj = nullptr...\n"
@@ -449,16 +450,19 @@ void TestDeviceLog::registeringCallbacks()
         expectCall("MV*_SetRealTimeSignBase64DataCallback(ID, 4, callback)", number(1));
     }
     manager.SetRealTimeSignBase64DataCallback(4, onKey, onPicture);
-    QStringList lines = log.lines();
-    lines.replaceInStrings(QRegularExpression(QStringLiteral("Callback=[0-9a-f]+,")), QStringLiteral("Callback=F,"));
-    const QString enter = QStringLiteral("M Enter, nType=4, pfnSignPadEventCallback=F,pfnSignBase64DataCallback=F\n");
+    const QStringList lines = log.lines();
+    const auto hex = [](std::uintptr_t address) { return QString::number(address & 0xffffffff, 16); };
+    const QString arguments =
+        QStringLiteral("nType=4, pfnSignPadEventCallback=%1,pfnSignBase64DataCallback=%2\n")
+            .arg(hex(reinterpret_cast<std::uintptr_t>(onKey)), hex(reinterpret_cast<std::uintptr_t>(onPicture)));
+    const QString enter = QStringLiteral("M Enter, ") + arguments;
     const QString leave =
         QStringLiteral("M after call m_pCurrentActiveSignObj->SetRealTimeSignBase64DataCallback(), bRet=%1\n"
                        "M Leave with bRet=%1")
             .arg(registers ? 1 : 0);
-    const QString ofThePad = QStringLiteral("P Enter, nType=4, pfnSignPadEventCallback=F,pfnSignBase64DataCallback=F\n"
-                                            "P after call m_pfn_MV*_SetRealTimeSignBase64DataCallback(), bRet=1\n"
-                                            "P Leave with bRet=1\n");
+    const QString ofThePad = QStringLiteral("P Enter, ") + arguments
+                             + QStringLiteral("P after call m_pfn_MV*_SetRealTimeSignBase64DataCallback(), bRet=1\n"
+                                              "P Leave with bRet=1\n");
     QCOMPARE(lines,
              linesOf(model, "SetRealTimeSignBase64DataCallback", enter + (registers ? ofThePad : QString()) + leave));
     expectCall("MV*_UnInitialDevice(ID)");
