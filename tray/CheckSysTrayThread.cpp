@@ -9,7 +9,7 @@
 namespace {
 
 const int nMostAttempts = 60;
-const int nPauseMs = 500;
+const unsigned long nPauseMs = 500;
 
 bool IsTrayAvailable()
 {
@@ -25,12 +25,6 @@ CheckSysTrayThread::CheckSysTrayThread(QObject *parent) : QThread(parent)
     MV_LOG_INSIDE_THREAD("CheckSysTrayThread::CheckSysTrayThread()", "Leave !");
 }
 
-CheckSysTrayThread::~CheckSysTrayThread()
-{
-    m_stop.release();
-    wait();
-}
-
 void CheckSysTrayThread::run()
 {
     static const char tag[] = "CheckSysTrayThread::run()";
@@ -42,8 +36,7 @@ void CheckSysTrayThread::run()
         // later, as is common at log-in, is seen by a fresh start only; nothing has been touched yet.
         if (IsStatusNotifierHostRegistered())
             StartOver();
-        if (m_stop.tryAcquire(1, nPauseMs))
-            return;
+        msleep(nPauseMs);
         ++i;
         if (i < nMostAttempts)
             bSysTrayAvailable = IsTrayAvailable();
