@@ -12,6 +12,9 @@ namespace {
 /// How soon the memory that texts have gone through goes back to the system.
 constexpr int nTrimDelayMs = 1000;
 
+/// Bytes that may wait for a client to read them: more than any picture, less than hurts the machine.
+constexpr qint64 nMostUnread = 256 * 1024 * 1024;
+
 /// Writes the header of a whole text message in one frame of a server, which does not mask.
 void WriteFrameHeader(QTcpSocket *pConnection, int nPayload)
 {
@@ -75,9 +78,18 @@ QTcpSocket *ClientConnections::ConnectionBelow(const QWebSocket *pClient) const
     return nullptr;
 }
 
+bool ClientConnections::KeepsUp(QWebSocket *pClient) const
+{
+    const QTcpSocket *const pConnection = m_connections.value(pClient);
+    if (!pConnection || pConnection->bytesToWrite() <= nMostUnread)
+        return true;
+    QTimer::singleShot(0, pClient, &QWebSocket::abort); // not while it hands on what it has read
+    return false;
+}
+
 void ClientConnections::SendText(QWebSocket *pClient, const QByteArray &text)
 {
-    if (pClient->state() != QAbstractSocket::ConnectedState)
+    if (pClient->state() != QAbstractSocket::ConnectedState || !KeepsUp(pClient))
         return;
     if (QTcpSocket *const pConnection = m_connections.value(pClient)) {
         WriteFrameHeader(pConnection, text.size());

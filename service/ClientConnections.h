@@ -24,7 +24,10 @@ public:
     void Add(const QWebSocket *pClient);
     void Remove(const QWebSocket *pClient);
 
-    /// Sends a text in UTF-8 as one message. Does nothing when the client is not connected any more.
+    /// False when the client has left so much unread that nothing more is to be sent to it: its connection ends then.
+    bool KeepsUp(QWebSocket *pClient) const;
+    /// Sends a text in UTF-8 as one message. Does nothing when the client is not connected any more or does not keep
+    /// up.
     void SendText(QWebSocket *pClient, const QByteArray &text);
 
 private:

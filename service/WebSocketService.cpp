@@ -2,6 +2,7 @@
 
 #include "app/JsonText.h"
 #include "app/Logging.h"
+#include "app/QtCompat.h"
 #include "device/InkJson.h"
 #include "device/SignObjManager.h"
 #include "device/SignPadEvents.h"
@@ -12,6 +13,7 @@
 #include <QMetaObject>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QTimer>
 #include <QWebSocket>
 #include <QWebSocketCorsAuthenticator>
 #include <QWebSocketServer>
@@ -28,6 +30,12 @@ QBasicMutex pushTargetMutex;
 
 /// Bytes that hold the reply of most commands.
 constexpr int nSmallReply = 128;
+
+/// Bytes of a message. A text of Qt holds little more; making a longer one would end the program.
+constexpr quint64 nLongestMessage = 1000 * 1000 * 1000;
+
+/// How long nobody is let in when the process has run out of descriptors.
+constexpr int nAcceptPauseMs = 1000;
 
 /// In UTF-8, as it is sent.
 QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
@@ -55,6 +63,9 @@ WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy a
     if (Listen()) {
         connect(m_pWebSocketServer, &QWebSocketServer::newConnection, this, &WebSocketService::onNewConnection);
         connect(m_pWebSocketServer, &QWebSocketServer::closed, this, &WebSocketService::closed);
+        connect(m_pWebSocketServer, &QWebSocketServer::acceptError, this, [this] { // Qt accepts nobody any more then
+            QTimer::singleShot(nAcceptPauseMs, m_pWebSocketServer, &QWebSocketServer::resumeAccepting);
+        });
         m_strServiceUrl = QStringLiteral("%1%2%3")
                               .arg(QStringLiteral("ws://localhost:"))
                               .arg(port)
@@ -125,6 +136,7 @@ void WebSocketService::onNewConnection()
         connect(pClient, &QWebSocket::textMessageReceived, this, &WebSocketService::processTextMessage);
         connect(pClient, &QWebSocket::binaryMessageReceived, this, &WebSocketService::processBinaryMessage);
         connect(pClient, &QWebSocket::disconnected, this, &WebSocketService::socketDisconnected);
+        LimitIncomingMessages(*pClient, nLongestMessage);
         m_pConnections->Add(pClient);
         m_clients.append(pClient);
     }
@@ -156,7 +168,8 @@ void WebSocketService::processBinaryMessage(QByteArray message)
 {
     static const char tag[] = "WebSocketService::processBinaryMessage()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, message=%s", message.constData());
-    if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender()))
+    QWebSocket *const pClient = qobject_cast<QWebSocket *>(sender());
+    if (pClient && m_pConnections->KeepsUp(pClient))
         pClient->sendBinaryMessage(message);
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }

@@ -4,6 +4,7 @@
 
 #include <QTest>
 
+#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -37,6 +38,10 @@ private Q_SLOTS:
     void brokenFramesEndTheirConnectionOnly();
     void hugeRequestsAreAnswered_data();
     void hugeRequestsAreAnswered();
+    void messageBeyondAnyTextEndsItsConnection();
+    void clientThatNeverReadsIsCutOff_data();
+    void clientThatNeverReadsIsCutOff();
+    void servesAgainAfterDescriptorsRanOut();
 
 private:
     std::unique_ptr<FaultyWorkplace> m_place;
@@ -184,6 +189,65 @@ void ConnectionsTest::hugeRequestsAreAnswered()
     SignClient client;
     QVERIFY(client.connectTo(m_place->port()));
     QCOMPARE(client.command(request, 20000), replyText("Invalid API request", QStringLiteral("-1")));
+}
+
+void ConnectionsTest::messageBeyondAnyTextEndsItsConnection()
+{
+#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
+    RawClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.handshake(), QByteArray(accepted));
+    client.send(frameHeader(1000000001));
+    QVERIFY(client.waitForEnd(2000)); // at once: Qt itself waits five seconds for the rest of a frame
+#endif
+}
+
+void ConnectionsTest::clientThatNeverReadsIsCutOff_data()
+{
+    QTest::addColumn<QByteArray>("message");
+    QTest::addColumn<int>("times");
+    const int nMiB = 1024 * 1024;
+    QTest::newRow("binary messages, echoed") << '\x82' + frameHeader(nMiB).mid(1) + QByteArray(nMiB, 'x') << 400;
+    QTest::newRow("requests with a long reply") << QByteArray() << 2000;
+}
+
+void ConnectionsTest::clientThatNeverReadsIsCutOff()
+{
+    QFETCH(QByteArray, message);
+    QFETCH(int, times);
+    QVERIFY(m_place->answer("text repeat 1000000 65\n"));
+    SignClient opener;
+    QVERIFY(opener.connectTo(m_place->port()));
+    opener.command(QStringLiteral("InitialDevice?id=2&width=800&height=480"));
+    const QByteArray request = "ws://localhost:" + QByteArray::number(m_place->port()) + "/MVSignSDK/Encode?type=1";
+    if (message.isEmpty())
+        message = frameHeader(request.size()) + request;
+    RawClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.handshake(), QByteArray(accepted));
+    client.readNothing();
+    for (int i = 0; i < times; ++i)
+        client.send(message);
+    QVERIFY(client.waitForEnd(30000));
+    QVERIFY2(m_place->residentKiB() < 600 * 1024, "what nobody reads is hoarded");
+}
+
+void ConnectionsTest::servesAgainAfterDescriptorsRanOut()
+{
+    rlimit usual;
+    const auto pid = static_cast<pid_t>(m_place->program().process().processId());
+    QCOMPARE(prlimit(pid, RLIMIT_NOFILE, nullptr, &usual), 0);
+    const rlimit few{static_cast<rlim_t>(m_descriptors + 3), usual.rlim_max};
+    QCOMPARE(prlimit(pid, RLIMIT_NOFILE, &few, nullptr), 0);
+    {
+        RawClient clients[30];
+        for (RawClient &client : clients)
+            QVERIFY(client.connectTo(m_place->port()));
+        QTest::qWait(1500);
+        QVERIFY(m_place->openDescriptors() < m_descriptors + 30);
+    }
+    QCOMPARE(prlimit(pid, RLIMIT_NOFILE, &usual, nullptr), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(m_place->serves(), 10000);
 }
 
 QTEST_GUILESS_MAIN(ConnectionsTest)

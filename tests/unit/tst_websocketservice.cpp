@@ -14,6 +14,10 @@
 #include <QTest>
 #include <QWebSocketServer>
 
+#include <netinet/in.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace {
 
 const char invalid[] = R"({"API":"Invalid API request","Result":"-1"})";
@@ -51,6 +55,7 @@ private Q_SLOTS:
     void rubbishAfterTheHandshake();
     void replyToAClientThatIsGone();
     void manyConnectionsOneAfterTheOther();
+    void letsInAgainWhenTheFirstFoundNoDescriptor();
     void portInUse();
     void portInUseStopsCleanly();
     void startsAgainOnTheSamePort();
@@ -409,6 +414,34 @@ void WebSocketServiceTest::manyConnectionsOneAfterTheOther()
         QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
         QVERIFY(client.close());
     }
+}
+
+void WebSocketServiceTest::letsInAgainWhenTheFirstFoundNoDescriptor()
+{
+    const quint16 port = freePort();
+    const WebSocketService service(port);
+    const int client = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    QCOMPARE(::connect(client, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+
+    const int lowestFree = ::dup(client);
+    ::close(lowestFree);
+    rlimit usual;
+    ::getrlimit(RLIMIT_NOFILE, &usual);
+    const rlimit none{static_cast<rlim_t>(lowestFree), usual.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    QTest::qWait(200); // the service tries, and finds none
+    ::setrlimit(RLIMIT_NOFILE, &usual);
+
+    QTcpSocket socket;
+    QVERIFY(socket.setSocketDescriptor(client));
+    socket.write("GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+                 "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+    QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 0, patienceMs);
+    QVERIFY(socket.readAll().startsWith("HTTP/1.1 101 "));
 }
 
 void WebSocketServiceTest::portInUse()

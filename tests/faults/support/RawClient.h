@@ -11,6 +11,8 @@ public:
     /// Sends the opening handshake, with these further header lines, and returns the first line of the answer.
     QByteArray handshake(const QByteArray &headers = QByteArray());
     void send(const QByteArray &bytes);
+    /// From now on leaves what comes where it is, but for a few bytes.
+    void readNothing() { m_socket.setReadBufferSize(1); }
     /// Ends the connection at once, in the midst of whatever is under way.
     void abort() { m_socket.abort(); }
     /// Waits until the service has ended the connection.
