@@ -153,11 +153,11 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
 {
     static const char tag[] = "SysTrayMenuMgr::OpenWebSocketService()";
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
-    if (bOpenService) {
+    if (bOpenService && !m_pWebSocketThread) {
         m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy());
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
-    } else if (m_pWebSocketThread) {
+    } else if (!bOpenService && m_pWebSocketThread) {
         MV_LOG(tag, "b4 call m_pWebSocketThread->quit()...");
         m_pWebSocketThread->quit();
         m_pWebSocketThread->wait();

@@ -28,8 +28,8 @@ public:
     /// Builds icon and menu, and starts the service if the settings say so. At most once.
     void CreateSystemTray();
 
-    /// Starts the service, or stops it and waits, without time limit, until its thread has ended. Starting needs a
-    /// stopped service.
+    /// Starts the service, or stops it and waits, without time limit, until its thread has ended. Leaves a service
+    /// alone that is as it should be: it may run with its entry unchecked, since the secure entry unchecks that.
     void OpenWebSocketService(bool bOpenService);
 
     void LoadDataFromINIFIle();

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QTest>
+#include <QThread>
 
 namespace {
 
@@ -34,6 +35,7 @@ private Q_SLOTS:
     void secureEntryIsAFlagOnly();
     void startEntryClearsTheFlag();
     void secureEntryLeavesARunningServiceAlone();
+    void startEntryOverARunningService();
     void uncheckingTheSecureEntry();
     void savedFlagIsShown_data();
     void savedFlagIsShown();
@@ -166,6 +168,27 @@ void SecureEntryTest::secureEntryLeavesARunningServiceAlone()
     QVERIFY(client.waitForDisconnect());
     QVERIFY(settingsHold("StartWebService=false"));
     QVERIFY(settingsHold("StartWebServiceWithSSL=true"));
+}
+
+void SecureEntryTest::startEntryOverARunningService()
+{
+    build({QStringLiteral("StartWebService=true")});
+    SignClient client;
+    QTRY_VERIFY_WITH_TIMEOUT(client.connectTo(m_port), patienceMs);
+    entry("Start Service (SSL)")->trigger();
+    entry("Start Service")->trigger();
+    QVERIFY(entry("Start Service")->isChecked());
+    QVERIFY(!entry("Start Service (SSL)")->isChecked());
+    QCOMPARE(m_manager->Settings().bStartWebService, true);
+    QVERIFY(settingsHold("StartWebService=true"));
+    QVERIFY(settingsHold("StartWebServiceWithSSL=false"));
+    QCOMPARE(m_manager->findChildren<QThread *>().size(), 1);
+    QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
+
+    // The service that runs is the one that the entry stops.
+    entry("Start Service")->trigger();
+    QVERIFY(client.waitForDisconnect());
+    QCOMPARE(m_manager->findChildren<QThread *>().size(), 0);
 }
 
 void SecureEntryTest::uncheckingTheSecureEntry()
