@@ -9,7 +9,7 @@
 namespace {
 
 const int nMostAttempts = 60;
-const unsigned long nPauseMs = 500;
+const int nPauseMs = 500;
 
 bool IsTrayAvailable()
 {
@@ -25,6 +25,12 @@ CheckSysTrayThread::CheckSysTrayThread(QObject *parent) : QThread(parent)
     MV_LOG_INSIDE_THREAD("CheckSysTrayThread::CheckSysTrayThread()", "Leave !");
 }
 
+CheckSysTrayThread::~CheckSysTrayThread()
+{
+    m_stop.release();
+    wait();
+}
+
 void CheckSysTrayThread::run()
 {
     static const char tag[] = "CheckSysTrayThread::run()";
@@ -36,7 +42,8 @@ void CheckSysTrayThread::run()
         // later, as is common at log-in, is seen by a fresh start only; nothing has been touched yet.
         if (IsStatusNotifierHostRegistered())
             StartOver();
-        msleep(nPauseMs);
+        if (m_stop.tryAcquire(1, nPauseMs))
+            return;
         ++i;
         if (i < nMostAttempts)
             bSysTrayAvailable = IsTrayAvailable();

@@ -48,8 +48,11 @@ SysTrayMenuMgr::SysTrayMenuMgr(QObject *parent) : QObject(parent)
 
 SysTrayMenuMgr::~SysTrayMenuMgr()
 {
-    MV_LOG("SysTrayMenuMgr::~SysTrayMenuMgr()", "Enter...");
-    MV_LOG("SysTrayMenuMgr::~SysTrayMenuMgr()", "Leave !");
+    static const char tag[] = "SysTrayMenuMgr::~SysTrayMenuMgr()";
+    MV_LOG(tag, "Enter...");
+    if (m_pWebSocketThread) // the end of the session does not come by way of the exit entry
+        OpenWebSocketService(false);
+    MV_LOG(tag, "Leave !");
 }
 
 void SysTrayMenuMgr::Initialize()
@@ -68,12 +71,8 @@ void SysTrayMenuMgr::StartCreateSystemTrayIcon(bool bSysTrayAvailable)
 {
     static const char tag[] = "SysTrayMenuMgr::StartCreateSystemTrayIcon()";
     MV_LOG(tag, "Enter, bSysTrayAvailable=%d", bSysTrayAvailable);
-    if (m_pCheckSysTrayThread) {
-        m_pCheckSysTrayThread->quit();
-        m_pCheckSysTrayThread->wait();
-        delete m_pCheckSysTrayThread;
-        m_pCheckSysTrayThread = nullptr;
-    }
+    delete m_pCheckSysTrayThread;
+    m_pCheckSysTrayThread = nullptr;
     if (bSysTrayAvailable) {
         MV_LOG(tag, "b4 call CreateSystemTray()...");
         CreateSystemTray();

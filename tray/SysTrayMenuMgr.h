@@ -20,6 +20,7 @@ class SysTrayMenuMgr : public QObject
 
 public:
     explicit SysTrayMenuMgr(QObject *parent = nullptr);
+    /// Stops the service, and the waiting for the tray.
     ~SysTrayMenuMgr() override;
 
     /// Starts waiting for the tray and returns at once; the tray is built when it is there.
