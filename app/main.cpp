@@ -4,8 +4,18 @@
 #include "tray/SysTrayMenuMgr.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 namespace {
+
+/// The autostart entry is what starts the program at log-in. A session that restored it besides would start two copies
+/// at once, and each could give way to the other.
+void StayOutOfRestoredSessions(const QGuiApplication &application)
+{
+    const auto neverRestart = [](QSessionManager &session) { session.setRestartHint(QSessionManager::RestartNever); };
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, neverRestart);
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, neverRestart);
+}
 
 int RunFirstInstance()
 {
@@ -29,6 +39,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     // The tray menu is the program's only window of its own: closing any other window must not end it.
     QApplication::setQuitOnLastWindowClosed(false);
+    StayOutOfRestoredSessions(application);
     MV_LOG("main()", "Enter, argc=%d", argc);
 
     DetectSigngleInstance detector(nullptr);
