@@ -1,6 +1,7 @@
 // Which values of the settings group "Access" are understood; whatever is not closes the service.
 #include "tests/unit/support/PrivateHome.h"
 #include "tray/AccessSettings.h"
+#include "tray/TraySettings.h"
 
 #include <QDir>
 #include <QSettings>
@@ -17,6 +18,9 @@ private Q_SLOTS:
     void machineWideFileCounts();
     void wrongValueClosesTheDoor_data();
     void wrongValueClosesTheDoor();
+    void unreadableFileKeepsTheDoorClosed_data();
+    void unreadableFileKeepsTheDoorClosed();
+    void unreadableFileOfTheMachineKeepsTheDoorClosed();
 
 private:
     /// Qt looks for the home only once in a process.
@@ -42,6 +46,7 @@ void AccessSettingsTest::nothingConfiguredServesAnybody_data()
     QTest::newRow("settings only") << QByteArray("[Settings]\nStartWebService=true\nWebSocketPort=8089\n");
     QTest::newRow("empty group") << QByteArray("[Access]\n[Settings]\nUILangID=3\n");
     QTest::newRow("the keys in another group") << QByteArray("[Settings]\nListenAddress=nonsense\n");
+    QTest::newRow("value that is not decoded") << QByteArray("[Settings]\nUILangID=@Variant(\\0\\0\\0\\x2)\n");
     QTest::newRow("rubbish") << QByteArray("\x7f"
                                            "ELF\0\1\2\n\xff\xfe rubbish\n[[\n",
                                            20);
@@ -110,6 +115,43 @@ void AccessSettingsTest::wrongValueClosesTheDoor()
 {
     QFETCH(QByteArray, line);
     QVERIFY(!policyOf("[Settings]\nUILangID=3\n\n[Access]\n" + line + '\n').bServesAnybody);
+}
+
+void AccessSettingsTest::unreadableFileKeepsTheDoorClosed_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::newRow("group") << QByteArray("[Access]\nRequireOrigin=true\n");
+    QTest::newRow("keys") << QByteArray("[General]\nAccess\\RequireOrigin=true\n");
+    QTest::newRow("percent") << QByteArray("[%41ccess]\nRequireOrigin=true\n");
+}
+
+void AccessSettingsTest::unreadableFileKeepsTheDoorClosed()
+{
+    QFETCH(QByteArray, lines);
+    const QByteArray content = "[Settings]\nUILangID=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x1)\n" + lines;
+    const PrivateHome home;
+    useSettingsOf(home);
+    home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), content);
+    QVERIFY(!LoadAccessPolicy().bServesAnybody);
+    TraySettings().Save();
+    QFile file(home.configFile(QStringLiteral("MVSignPadSDK_WSSvr")));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), content);
+}
+
+void AccessSettingsTest::unreadableFileOfTheMachineKeepsTheDoorClosed()
+{
+    const PrivateHome home;
+    useSettingsOf(home);
+    QDir(home.path()).mkpath(QStringLiteral("etc"));
+    QFile file(home.path(QStringLiteral("etc/mvsignpadsdk.conf")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[Access]\nListenAddress=127.0.0.1\nX=@Variant(\\0\\0\\0\\t\\x10\\0\\0\\0)\n");
+    file.close();
+    home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), "[Settings]\nUILangID=3\n");
+    QVERIFY(!LoadAccessPolicy().bServesAnybody);
+    TraySettings().Save();
+    QVERIFY(QFile(file.fileName()).exists());
 }
 
 QTEST_GUILESS_MAIN(AccessSettingsTest)

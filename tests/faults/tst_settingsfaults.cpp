@@ -111,8 +111,28 @@ void SettingsFaultsTest::damagedFileIsSurvived_data()
     for (int i = 0; i < 100000; ++i)
         rubbish += static_cast<char>(i * 7919 >> 3);
     QTest::newRow("binary rubbish") << rubbish;
-    QTest::newRow("wrong kinds") << QByteArray("[Settings]\nWebSocketPort=@Size(1 2)\nUILangID=@Variant(\\0\\0\\0)\n"
-                                               "StartWebService=@Rect(1 2 3 4)\n");
+    QTest::newRow("wrong kinds") << QByteArray("[Settings]\nWebSocketPort=@Size(1 2)\nUILangID=@Invalid()\n"
+                                               "AutoLaunch=@ByteArray(\\0)\nStartWebService=@Rect(1 2 3 4)\n");
+
+    // A list of 2^28 values, which are not there.
+    const QByteArray list("Variant(\\0\\0\\0\\t\\x10\\0\\0\\0)\n");
+    const auto huge = [&list](const char *name, const QByteArray &beginning) {
+        QTest::newRow(name) << "[Settings]\n" + beginning + list;
+    };
+    huge("huge list", "X=@");
+    huge("huge list as a date", QByteArray("X=@DateTime(\\0\\0\\0\\t\\x10\\0\\0\\0)\nY="));
+    huge("huge list under a key of the program", "WebSocketPort=@");
+    huge("huge list within a list", "X=a, \"@");
+    huge("huge list with hexadecimal escape", "X=\\x10040");
+    huge("huge list with octal escape", "X=\\100");
+    huge("huge list with unknown escape", "X=@\\z");
+    huge("huge list on a broken line", "X=\\\r\n@\\\n");
+    huge("huge list in pieces", "X=\"@\" \"\"");
+    huge("huge list in another group", "Y=1\n[Other]\nX=@");
+    QByteArray nested("[Settings]\nX=@Variant(");
+    for (int i = 0; i < 500000; ++i)
+        nested += "\\0\\0\\0\\t\\0\\0\\0\\0\\x1";
+    QTest::newRow("lists half a million deep") << nested + ")\n";
 }
 
 void SettingsFaultsTest::damagedFileIsSurvived()

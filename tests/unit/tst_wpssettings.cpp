@@ -259,6 +259,8 @@ void WpsSettingsTest::namesSurviveARestart_data()
     QTest::addColumn<QString>("inReply");
     QTest::newRow("list separator") << QStringLiteral("Wang, Xiaoming") << QStringLiteral("Wang, Xiaoming");
     QTest::newRow("settings syntax") << QStringLiteral("@Invalid()") << QStringLiteral("@Invalid()");
+    for (const char *name : {"@Variant(x)", "@@Variant(x)", "a@Variant(x)", "@DateTime(x)"})
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(name);
     QTest::newRow("semicolon and section") << QStringLiteral(";[Settings]") << QStringLiteral(";[Settings]");
     QTest::newRow("percent") << QStringLiteral("%U738B") << QStringLiteral("%U738B");
     QTest::newRow("line feed") << QStringLiteral("A\nB") << QStringLiteral(R"(A\\nB)");
