@@ -24,7 +24,7 @@ bool SignObjAlder::SetRealTimeSignBase64DataCallback(int nType, SignPadEventCall
     bool bRet = false;
     const auto function = fnSetRealTimeSignBase64DataCallback();
     if (IsBound(function)) {
-        bRet = function.pfn(nDeviceID, nType, SignObjAlderSignBase64DataCallback);
+        bRet = function.pfn(nDeviceID, nType, SignObjAlderSignBase64DataCallback) != 0;
         MV_LOG_PAD("SetRealTimeSignBase64DataCallback", "after call m_pfn_%s(), bRet=%d", function.szName, bRet);
     }
     MV_LOG_PAD("SetRealTimeSignBase64DataCallback", "Leave with bRet=%d", bRet);
@@ -37,7 +37,7 @@ bool SignObjAlder::InitialWPSSignCanvas(int nWidth, int nHeight)
     bool bResult = false;
     const auto function = fnInitialWPSSignCanvas();
     if (IsBound(function)) {
-        bResult = function.pfn(nDeviceID, nWidth, nHeight);
+        bResult = function.pfn(nDeviceID, nWidth, nHeight) != 0;
         MV_LOG_PAD("InitialWPSSignCanvas", "after call m_pfn_%s(), bResult=%d", function.szName, bResult);
     }
     MV_LOG_PAD("InitialWPSSignCanvas", "Leave, bResult=%d", bResult);

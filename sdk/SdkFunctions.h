@@ -24,49 +24,50 @@ static_assert(offsetof(_STRUCT_INK_POINT_DATA, x) == 4 && offsetof(_STRUCT_INK_P
 // name, "_" and the function's name (MVAlder_OpenLCD); x: the model's family has it, _: it has not. Some are resolved, and
 // missed when they are missing, but never called, on purpose: SignPadEventCallback, AboutBox and the two for WPS texts.
 //
+// A flag comes back as a byte that may be neither 0 nor 1; other than 0 means true.
 // Texts (char *) belong to the library and go back through the free function of the row below; they are
 // NUL-terminated UTF-8. Paths are NUL-terminated arrays of 32-bit code points. All calls come from one thread.
 //
-//  Model  function                           result  parameters                                                                                  Alder Birch Cedar Maple Rowan
+//  Model  function                           result         parameters                                                                                  Alder Birch Cedar Maple Rowan
 #define MV_SDK_FUNCTIONS(ROW, Model) \
-    ROW(Model, InitialDevice,                     bool,   (int nID, void *pReserved, int nReserved1, int nReserved2, int nWidth, int nHeight),        x, x, x, x, x) \
-    ROW(Model, UnInitialDevice,                   int,    (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, OpenLCD,                           int,    (int nDeviceID, int bOpen),                                                                 x, x, x, _, _) \
-    ROW(Model, Clear,                             void,   (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, GetHWPenID,                        int,    (int nDeviceID, char *pBuf, int nBufSize),                                                  x, x, x, _, _) \
-    ROW(Model, GetHWPadID,                        int,    (int nDeviceID, char *pBuf, int nBufSize),                                                  x, x, x, x, x) \
-    ROW(Model, GetHWVersion,                      int,    (int nDeviceID, char *pBuf, int nBufSize),                                                  x, x, x, x, x) \
-    ROW(Model, DisplayHWVersion,                  int,    (int nDeviceID, bool bShow),                                                                x, x, x, _, _) \
-    ROW(Model, SetPenStyle,                       int,    (int nDeviceID, bool bPressureOn),                                                          x, x, x, x, x) \
-    ROW(Model, SetPenWidth,                       int,    (int nDeviceID, int nWidth),                                                                x, x, x, x, x) \
-    ROW(Model, SignPadEventCallback,              void,   (int nDeviceID, void (*pfnEvent)(int nEventID)),                                            x, x, x, x, x) \
-    ROW(Model, GetTotalInkPointsNumber,           int,    (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, GetInkPointData,                   int,    (int nDeviceID, _STRUCT_INK_POINT_DATA *pPoint),                                            x, x, x, x, x) \
-    ROW(Model, GetInkPointDataTimeInfo,           char *, (int nDeviceID, int nIndex),                                                                x, x, x, x, x) \
-    ROW(Model, FreeInkPointDataTimeInfo,          void,   (int nDeviceID, char *pText),                                                               x, x, x, x, x) \
-    ROW(Model, SaveDrawingImage,                  int,    (int nDeviceID, int nType, const wchar_t *pwszFilePath, int nDPI),                          x, x, x, x, x) \
-    ROW(Model, SetSaveClipImageMargin,            int,    (int nDeviceID, int bEnable, int nWidth, int nHeight),                                      x, x, x, x, x) \
-    ROW(Model, GetDeviceInfo,                     int,    (int nDeviceID, int nType, void *pOut),                                                     x, x, x, x, x) \
-    ROW(Model, AboutBox,                          void,   (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, GetAboutInfo,                      void,   (int nDeviceID, char *pBuf),                                                                x, x, x, x, x) \
-    ROW(Model, Base64Encode,                      char *, (int nDeviceID, int nType),                                                                 x, x, x, x, x) \
-    ROW(Model, Base64EncodeFree,                  void,   (int nDeviceID, char *pText),                                                               x, x, x, x, x) \
-    ROW(Model, Base64Decode,                      int,    (int nDeviceID, int nType, const char *pszBase64Data, const wchar_t *pwszFilePath),         x, x, x, x, x) \
-    ROW(Model, GetTotalDecodeInkPointsNumber,     int,    (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, GetDecodeInkPointData,             int,    (int nDeviceID, int nIndex, int nField),                                                    x, x, x, x, x) \
-    ROW(Model, SetPenColor,                       int,    (int nDeviceID, int nR, int nG, int nB),                                                    x, x, x, x, x) \
-    ROW(Model, GetDeviceConfirmOrCancelKeyStatus, int,    (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, SetDisplayedFPImageAt,             int,    (int nDeviceID, void *pReserved, int nCanvasWidth, int nCanvasHeight, int nFPLeft, int nFPTop, int nFPWidth, int nFPHeight), _, _, x, _, _) \
-    ROW(Model, GetFPImageBase64Data,              char *, (int nDeviceID, int nType, int bFPImageOnly),                                               _, _, x, _, _) \
-    ROW(Model, FreeFPImageBase64Data,             void,   (int nDeviceID, char *pText),                                                               _, _, x, _, _) \
-    ROW(Model, GetSVGImageBase64Data,             char *, (int nDeviceID),                                                                            x, x, x, x, x) \
-    ROW(Model, FreeSVGImageBase64Data,            void,   (int nDeviceID, char *pText),                                                               x, x, x, x, x) \
-    ROW(Model, SetRealTimeSignBase64DataCallback, bool,   (int nDeviceID, int nType, void (*pfnSignBase64Data)(char *pData)),                         x, _, _, _, _) \
-    ROW(Model, InitialWPSSignCanvas,              bool,   (int nDeviceID, int nWidth, int nHeight),                                                   x, _, _, _, _) \
-    ROW(Model, WPSBase64Encode,                   char *, (int nDeviceID, int nType),                                                                 x, _, _, _, _) \
-    ROW(Model, WPSBase64EncodeFree,               void,   (int nDeviceID, char *pText),                                                               x, _, _, _, _) \
-    ROW(Model, Base64EncodeEx,                    char *, (int nDeviceID, int nType, int nOption),                                                    x, x, x, x, x) \
-    ROW(Model, Base64EncodeExFree,                void,   (int nDeviceID, char *pText),                                                               x, x, x, x, x)
+    ROW(Model, InitialDevice,                     unsigned char, (int nID, void *pReserved, int nReserved1, int nReserved2, int nWidth, int nHeight),        x, x, x, x, x) \
+    ROW(Model, UnInitialDevice,                   int,           (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, OpenLCD,                           int,           (int nDeviceID, int bOpen),                                                                 x, x, x, _, _) \
+    ROW(Model, Clear,                             void,          (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, GetHWPenID,                        int,           (int nDeviceID, char *pBuf, int nBufSize),                                                  x, x, x, _, _) \
+    ROW(Model, GetHWPadID,                        int,           (int nDeviceID, char *pBuf, int nBufSize),                                                  x, x, x, x, x) \
+    ROW(Model, GetHWVersion,                      int,           (int nDeviceID, char *pBuf, int nBufSize),                                                  x, x, x, x, x) \
+    ROW(Model, DisplayHWVersion,                  int,           (int nDeviceID, bool bShow),                                                                x, x, x, _, _) \
+    ROW(Model, SetPenStyle,                       int,           (int nDeviceID, bool bPressureOn),                                                          x, x, x, x, x) \
+    ROW(Model, SetPenWidth,                       int,           (int nDeviceID, int nWidth),                                                                x, x, x, x, x) \
+    ROW(Model, SignPadEventCallback,              void,          (int nDeviceID, void (*pfnEvent)(int nEventID)),                                            x, x, x, x, x) \
+    ROW(Model, GetTotalInkPointsNumber,           int,           (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, GetInkPointData,                   int,           (int nDeviceID, _STRUCT_INK_POINT_DATA *pPoint),                                            x, x, x, x, x) \
+    ROW(Model, GetInkPointDataTimeInfo,           char *,        (int nDeviceID, int nIndex),                                                                x, x, x, x, x) \
+    ROW(Model, FreeInkPointDataTimeInfo,          void,          (int nDeviceID, char *pText),                                                               x, x, x, x, x) \
+    ROW(Model, SaveDrawingImage,                  int,           (int nDeviceID, int nType, const wchar_t *pwszFilePath, int nDPI),                          x, x, x, x, x) \
+    ROW(Model, SetSaveClipImageMargin,            int,           (int nDeviceID, int bEnable, int nWidth, int nHeight),                                      x, x, x, x, x) \
+    ROW(Model, GetDeviceInfo,                     int,           (int nDeviceID, int nType, void *pOut),                                                     x, x, x, x, x) \
+    ROW(Model, AboutBox,                          void,          (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, GetAboutInfo,                      void,          (int nDeviceID, char *pBuf),                                                                x, x, x, x, x) \
+    ROW(Model, Base64Encode,                      char *,        (int nDeviceID, int nType),                                                                 x, x, x, x, x) \
+    ROW(Model, Base64EncodeFree,                  void,          (int nDeviceID, char *pText),                                                               x, x, x, x, x) \
+    ROW(Model, Base64Decode,                      int,           (int nDeviceID, int nType, const char *pszBase64Data, const wchar_t *pwszFilePath),         x, x, x, x, x) \
+    ROW(Model, GetTotalDecodeInkPointsNumber,     int,           (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, GetDecodeInkPointData,             int,           (int nDeviceID, int nIndex, int nField),                                                    x, x, x, x, x) \
+    ROW(Model, SetPenColor,                       int,           (int nDeviceID, int nR, int nG, int nB),                                                    x, x, x, x, x) \
+    ROW(Model, GetDeviceConfirmOrCancelKeyStatus, int,           (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, SetDisplayedFPImageAt,             int,           (int nDeviceID, void *pReserved, int nCanvasWidth, int nCanvasHeight, int nFPLeft, int nFPTop, int nFPWidth, int nFPHeight), _, _, x, _, _) \
+    ROW(Model, GetFPImageBase64Data,              char *,        (int nDeviceID, int nType, int bFPImageOnly),                                               _, _, x, _, _) \
+    ROW(Model, FreeFPImageBase64Data,             void,          (int nDeviceID, char *pText),                                                               _, _, x, _, _) \
+    ROW(Model, GetSVGImageBase64Data,             char *,        (int nDeviceID),                                                                            x, x, x, x, x) \
+    ROW(Model, FreeSVGImageBase64Data,            void,          (int nDeviceID, char *pText),                                                               x, x, x, x, x) \
+    ROW(Model, SetRealTimeSignBase64DataCallback, unsigned char, (int nDeviceID, int nType, void (*pfnSignBase64Data)(char *pData)),                         x, _, _, _, _) \
+    ROW(Model, InitialWPSSignCanvas,              unsigned char, (int nDeviceID, int nWidth, int nHeight),                                                   x, _, _, _, _) \
+    ROW(Model, WPSBase64Encode,                   char *,        (int nDeviceID, int nType),                                                                 x, _, _, _, _) \
+    ROW(Model, WPSBase64EncodeFree,               void,          (int nDeviceID, char *pText),                                                               x, _, _, _, _) \
+    ROW(Model, Base64EncodeEx,                    char *,        (int nDeviceID, int nType, int nOption),                                                    x, x, x, x, x) \
+    ROW(Model, Base64EncodeExFree,                void,          (int nDeviceID, char *pText),                                                               x, x, x, x, x)
 
 // clang-format on
 

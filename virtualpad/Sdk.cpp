@@ -45,7 +45,7 @@ QByteArray decodedBase64(const char *pszBase64Data)
 #define DECLARE(Model, name, result, parameters, ...) extern "C" result virtualpad_##name parameters;
 MV_SDK_FUNCTIONS(DECLARE, Any)
 
-bool virtualpad_InitialDevice(int nID, void *, int, int, int nWidth, int nHeight)
+unsigned char virtualpad_InitialDevice(int nID, void *, int, int, int nWidth, int nHeight)
 {
     const bool signedByHand = windowIsWanted();
     SharedPad &shared = SharedPad::instance();
@@ -134,7 +134,7 @@ void virtualpad_SignPadEventCallback(int nDeviceID, void (*pfnEvent)(int))
     });
 }
 
-bool virtualpad_SetRealTimeSignBase64DataCallback(int nDeviceID, int nType, void (*pfnSignBase64Data)(char *))
+unsigned char virtualpad_SetRealTimeSignBase64DataCallback(int nDeviceID, int nType, void (*pfnSignBase64Data)(char *))
 {
     return withPad(nDeviceID, [=](Pad &pad) { return pad.setPictureCallback(nType, pfnSignBase64Data); }) == Success;
 }
@@ -259,7 +259,7 @@ void virtualpad_FreeSVGImageBase64Data(int, char *pText)
     takeBack(TextSource::Svg, pText);
 }
 
-bool virtualpad_InitialWPSSignCanvas(int nDeviceID, int nWidth, int nHeight)
+unsigned char virtualpad_InitialWPSSignCanvas(int nDeviceID, int nWidth, int nHeight)
 {
     return withPad(nDeviceID, [=](Pad &pad) { return pad.setWpsCanvas(QSize(nWidth, nHeight)); }) == Success;
 }

@@ -1,6 +1,7 @@
 /// Answers as the file "hostile-answers" in the working directory has them at the time of the call, one a line:
 ///   text null | repeat COUNT BYTE      what text calls hand out; the byte as a number
 ///   number N                           what all but InitialDevice return, except the counts of points
+///   opened BYTE                        what InitialDevice returns
 ///   points N                           the counts of points
 ///   fill BYTE                          what buffers are filled with, up to their size and without a NUL
 ///   block FUNCTION MS                  how long the function of this name, without the model's, blocks
@@ -18,6 +19,7 @@ struct Script {
     bool isNull = false;
     std::string text = "text";
     int number = 0;
+    int opened = 1;
     int points = 0;
     int fill = -1;
     std::map<std::string, int> blockMs;
@@ -33,6 +35,8 @@ Script readScript()
     while (file >> word) {
         if (word == "number")
             file >> read.number;
+        else if (word == "opened")
+            file >> read.opened;
         else if (word == "points")
             file >> read.points;
         else if (word == "fill")
@@ -77,7 +81,7 @@ void hostile::enter(const char *function)
 int hostile::number(const char *function)
 {
     if (is(function, "InitialDevice"))
-        return 1;
+        return script.opened;
     return std::strstr(function, "PointsNumber") ? script.points : script.number;
 }
 

@@ -28,7 +28,7 @@ struct InkPoint {
 
 /// What the library answers to one expected call.
 struct Answer {
-    long long value = 0;             ///< int and bool results
+    long long value = 0;             ///< numbers and flags
     std::optional<std::string> text; ///< char* results: the text handed out, nothing for a null pointer
     std::string output;              ///< bytes copied to the output pointer exactly as they are
     std::function<void()> effect;    ///< runs inside the call: what else the library does

@@ -88,12 +88,6 @@ Result resultOf(const Reply &reply)
 }
 
 template <>
-bool resultOf<bool>(const Reply &reply)
-{
-    return reply.value != 0;
-}
-
-template <>
 char *resultOf<char *>(const Reply &reply)
 {
     return reply.text;

@@ -4,7 +4,7 @@
 /// SDK_FUNCTION(name, result, (parameters), (arguments), Alder, Birch, Cedar, Maple, Rowan); x: the family has it.
 /// `void *` receives an output, `char *` is a text given back, `const char *` and `const wchar_t *` are inputs.
 // clang-format off
-SDK_FUNCTION(InitialDevice, bool, (int nID, void *pNull, int nZero1, int nZero2, int nWidth, int nHeight),
+SDK_FUNCTION(InitialDevice, unsigned char, (int nID, void *pNull, int nZero1, int nZero2, int nWidth, int nHeight),
              (nID, pNull, nZero1, nZero2, nWidth, nHeight), x, x, x, x, x)
 SDK_FUNCTION(UnInitialDevice, int, (int nID),
              (nID), x, x, x, x, x)
@@ -69,9 +69,9 @@ SDK_FUNCTION(GetSVGImageBase64Data, char *, (int nID),
              (nID), x, x, x, x, x)
 SDK_FUNCTION(FreeSVGImageBase64Data, int, (int nID, char *pText),
              (nID, pText), x, x, x, x, x)
-SDK_FUNCTION(SetRealTimeSignBase64DataCallback, bool, (int nID, int nType, TextCallback pCallback),
+SDK_FUNCTION(SetRealTimeSignBase64DataCallback, unsigned char, (int nID, int nType, TextCallback pCallback),
              (nID, nType, pCallback), x, _, _, _, _)
-SDK_FUNCTION(InitialWPSSignCanvas, bool, (int nID, int nWidth, int nHeight),
+SDK_FUNCTION(InitialWPSSignCanvas, unsigned char, (int nID, int nWidth, int nHeight),
              (nID, nWidth, nHeight), x, _, _, _, _)
 SDK_FUNCTION(WPSBase64Encode, char *, (int nID, int nType),
              (nID, nType), x, _, _, _, _)

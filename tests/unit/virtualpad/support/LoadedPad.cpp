@@ -60,7 +60,7 @@ LoadedPad::~LoadedPad()
 
 bool LoadedPad::initialise(int width, int height)
 {
-    return InitialDevice(m_deviceId, nullptr, 0, 0, width, height);
+    return InitialDevice(m_deviceId, nullptr, 0, 0, width, height) != 0;
 }
 
 bool LoadedPad::initialiseWritten(int width, int height)
