@@ -5,6 +5,9 @@
 #include <QByteArray>
 #include <QString>
 
+/// The longest text that is still taken in: its UTF-8 and JSON forms, too, fit into Qt's texts.
+constexpr int nMostTextUnits = 500000000;
+
 /// Appends text as a JSON string with its quotation marks, character for character as QJsonDocument writes it. A
 /// text that would not fit counts as empty.
 void AppendJsonString(QString &json, const QString &text);

@@ -1,7 +1,5 @@
 #include "device/InkJson.h"
 
-#include "app/JsonText.h"
-
 void InkPointList::BeginObject()
 {
     m_json += m_json.size() == 1 ? QLatin1String("{") : QLatin1String(",{");

@@ -1,14 +1,20 @@
 // The JSON texts in which ink travels to the clients.
 #pragma once
 
+#include "app/JsonText.h"
 #include "sdk/SdkFunctions.h"
 
 #include <QString>
 
-/// A compact JSON array that grows by one object a call.
+/// A compact JSON array that grows by one object a call, until it is full.
 class InkPointList
 {
 public:
+    /// Full from this length on, lest a library that claims any number of points exhaust what a text holds.
+    explicit InkPointList(int nFullLength = nMostTextUnits) : m_nFullLength(nFullLength) {}
+
+    bool IsFull() const { return m_json.size() >= m_nFullLength; }
+
     /// A point of the current drawing.
     void Append(const _STRUCT_INK_POINT_DATA &point, const QString &strTime);
     /// A point of decoded signature data, which knows neither pressure nor time.
@@ -20,6 +26,7 @@ public:
 private:
     void BeginObject();
 
+    const int m_nFullLength;
     QString m_json = QStringLiteral("[");
 };
 

@@ -127,7 +127,7 @@ QString SdkClient<Sdk>::ReadText(const char *operation, SdkFunction<Producer> pr
     QString strResult;
     if (IsBound(producer, release)) {
         char *pText = produce(producer.pfn);
-        strResult = QString::fromUtf8(pText);
+        strResult = TextFromLibrary(pText);
         release.pfn(Sdk::nDeviceID, pText); // also when there is no text, on purpose
         MV_LOG_PAD(operation, "after call m_pfn_%s()", release.szName);
     }
@@ -144,7 +144,7 @@ QString SdkClient<Sdk>::ReadChangedImage(const char *operation, ImageEvent event
     QString strResult;
     char *pText = IsBound(producer, release) ? produce(producer.pfn) : nullptr;
     if (pText) {
-        const QString strBase64 = QString::fromUtf8(pText);
+        const QString strBase64 = TextFromLibrary(pText);
         QByteArray base64 = strBase64.toUtf8(); // kept in half the memory of the text
         if (base64 != last) {
             if (szChanged)

@@ -1,6 +1,16 @@
 #include "device/SdkTexts.h"
 
+#include "app/JsonText.h"
+
 #include <QByteArray>
+
+#include <cstring>
+
+QString TextFromLibrary(const char *szText)
+{
+    const std::size_t nLength = szText ? std::strlen(szText) : 0;
+    return nLength <= nMostTextUnits ? QString::fromUtf8(szText, static_cast<int>(nLength)) : QString();
+}
 
 QString TextFromBuffer(const char *buffer, std::size_t size)
 {

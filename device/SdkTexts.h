@@ -5,6 +5,9 @@
 
 #include <cstddef>
 
+/// A text of any length as UTF-8; empty when there is none and when it is too long to work with.
+QString TextFromLibrary(const char *szText);
+
 /// The buffer as UTF-8 text up to its first NUL, at most size bytes.
 QString TextFromBuffer(const char *buffer, std::size_t size);
 

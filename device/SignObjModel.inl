@@ -8,7 +8,7 @@ bool SignObjModel<Sdk>::InitialDevice(int nID, int nWidth, int nHeight)
     bool bResult = false;
     const auto function = this->fnInitialDevice();
     if (this->IsBound(function)) {
-        bResult = function.pfn(nID, nullptr, 0, 0, nWidth, nHeight);
+        bResult = function.pfn(nID, nullptr, 0, 0, nWidth, nHeight) != 0;
         MV_LOG_PAD("InitialDevice", "after call m_pfn_%s(), bResult=%d", function.szName, bResult);
     }
     MV_LOG_PAD("InitialDevice", "Leave, bResult=%d", bResult);
@@ -177,14 +177,14 @@ QString SignObjModel<Sdk>::GetPointer()
     const auto getPoint = this->fnGetInkPointData();
     const auto getTime = this->fnGetInkPointDataTimeInfo();
     const auto freeTime = this->fnFreeInkPointDataTimeInfo();
-    for (int i = 0; this->IsBound(getPoint, getTime, freeTime) && i < nCount; ++i) {
+    for (int i = 0; this->IsBound(getPoint, getTime, freeTime) && i < nCount && !points.IsFull(); ++i) {
         _STRUCT_INK_POINT_DATA point{};
         point.nIndex = i;
         const int nResult = getPoint.pfn(Sdk::nDeviceID, &point);
         char *pTime = getTime.pfn(Sdk::nDeviceID, i);
         if (!pTime || nResult != 0)
             continue; // the time text of a point that could not be read stays with the library, on purpose
-        points.Append(point, QString::fromUtf8(pTime));
+        points.Append(point, TextFromLibrary(pTime));
         freeTime.pfn(Sdk::nDeviceID, pTime);
     }
     QString strJsonDocInkPointerList = points.Take();
@@ -264,7 +264,7 @@ QString SignObjModel<Sdk>::DecodedPoints()
         return {};
     const int nCount = getCount.pfn(Sdk::nDeviceID);
     InkPointList points;
-    for (int i = 0; i < nCount; ++i) {
+    for (int i = 0; i < nCount && !points.IsFull(); ++i) {
         const int x = getField.pfn(Sdk::nDeviceID, i, X);
         const int y = getField.pfn(Sdk::nDeviceID, i, Y);
         const int nStrokeEnd = getField.pfn(Sdk::nDeviceID, i, StrokeEnd);
