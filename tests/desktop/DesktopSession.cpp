@@ -10,6 +10,9 @@
 
 namespace {
 
+/// How long a menu may take to come; without one the click was lost.
+const int clickPatienceMs = 10000;
+
 const char watcherService[] = "org.kde.StatusNotifierWatcher";
 
 /// The session bus of the desktop, without anything that it would start by itself.
@@ -314,7 +317,7 @@ MenuPicture DesktopSession::openMenu() const
 {
     // A click that falls between two states of the tray is lost; as a person would, click again.
     MenuPicture menu;
-    for (int attempt = 0; attempt < 3 && menu.entryRows.isEmpty(); ++attempt)
+    for (int attempt = 0; attempt < patienceMs / clickPatienceMs && menu.entryRows.isEmpty(); ++attempt)
         menu = clickForMenu();
     return menu;
 }
@@ -346,7 +349,8 @@ MenuPicture DesktopSession::clickForMenu() const
         readMenuRows(screenshot().copy(menu.area), menu);
         return menu.entryRows.size() > 1;
     };
-    return QTest::qWaitFor(newMenu, patienceMs) && QTest::qWaitFor(isDrawn, patienceMs) ? menu : MenuPicture();
+    return QTest::qWaitFor(newMenu, clickPatienceMs) && QTest::qWaitFor(isDrawn, clickPatienceMs) ? menu
+                                                                                                  : MenuPicture();
 }
 
 bool DesktopSession::closeMenu(const MenuPicture &menu) const
