@@ -19,6 +19,7 @@
 #include <QWebSocketServer>
 
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 WebSocketService *g_pWebSocketService = nullptr;
@@ -36,6 +37,12 @@ constexpr quint64 nLongestMessage = 1000 * 1000 * 1000;
 
 /// How long nobody is let in when the process has run out of descriptors.
 constexpr int nAcceptPauseMs = 1000;
+
+/// Empty when the text is too long to work with, null for null.
+QByteArray CopyOf(const char *szText)
+{
+    return !szText || std::strlen(szText) <= nMostTextUnits ? QByteArray(szText) : QByteArray("");
+}
 
 /// In UTF-8, as it is sent.
 QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
@@ -263,5 +270,5 @@ void WebSocketServiceSignBase64DataCallback(char *pData)
     QMutexLocker lock(&pushTargetMutex);
     if (g_pWebSocketService)
         QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignBase64Data", Qt::QueuedConnection,
-                                  Q_ARG(QByteArray, QByteArray(pData)));
+                                  Q_ARG(QByteArray, CopyOf(pData)));
 }

@@ -122,6 +122,7 @@ private Q_SLOTS:
     void images();
     void nullImageSendsNothing();
     void largeImage();
+    void endlessImageCountsAsEmpty();
     void textIsCopied();
     void rejectedRequestEnablesToo();
     void pushesAndRepliesKeepTheirOrder();
@@ -281,6 +282,16 @@ void PushTest::largeImage()
         QVERIFY(client->waitForMessages(1));
         QVERIFY(client->messages().constFirst() == imageMessage(QString(5000000, QLatin1Char('A')), 5000000));
     }
+}
+
+void PushTest::endlessImageCountsAsEmpty()
+{
+    auto clients = connectedClients(1);
+    QCOMPARE(clients.size(), std::size_t(1));
+    QVERIFY(enable(*clients[0]));
+    pushImage(QByteArray(500000001, 'A'));
+    QVERIFY(clients[0]->waitForMessages(1));
+    QCOMPARE(clients[0]->messages(), QStringList{imageMessage(QString(), 0)});
 }
 
 void PushTest::textIsCopied()
