@@ -69,14 +69,7 @@ SettingsFile::SettingsFile(const QString &application, const QString &group)
     const QByteArrayList texts = RawTexts();
     m_bReadable = std::none_of(texts.begin(), texts.end(), HoldsStreamedValue);
     m_bOwnReadable = m_bReadable || !HoldsStreamedValue(texts.constFirst());
-    m_bMayNameAccess = !m_bReadable && std::any_of(texts.begin(), texts.end(), MayNameAccess);
-}
-
-QStringList SettingsFile::Keys() const
-{
-    if (m_bReadable)
-        return m_settings.allKeys();
-    return m_bMayNameAccess ? QStringList(QString()) : QStringList();
+    m_bMayHideAccess = !m_bReadable && std::any_of(texts.begin(), texts.end(), MayNameAccess);
 }
 
 QByteArrayList SettingsFile::RawTexts() const
@@ -103,7 +96,7 @@ QByteArrayList SettingsFile::RawTexts() const
 bool SettingsFile::MakeWritable()
 {
     // Writing would read the old file first. One that may narrow who is served stays for its owner to mend.
-    if (!m_bOwnReadable && !m_bMayNameAccess)
+    if (!m_bOwnReadable && !m_bMayHideAccess)
         m_bOwnReadable = QFile::remove(m_settings.fileName());
     return m_bOwnReadable;
 }

@@ -16,13 +16,15 @@ public:
     explicit SettingsFile(const QString &application, const QString &group = QStringLiteral("Settings"));
 
     bool Contains(const QString &key) const { return m_bReadable && m_settings.contains(key); }
-    /// A file that is unreadable, but may have settings of the group Access, has one key without a name.
-    QStringList Keys() const;
+    QStringList Keys() const { return m_bReadable ? m_settings.allKeys() : QStringList(); }
     QVariant Value(const QString &key) const { return m_bReadable ? m_settings.value(key) : QVariant(); }
 
     /// The files that Qt reads, the user's own first, as they are, whether or not they make sense; empty where there
     /// is none.
     QByteArrayList RawTexts() const;
+
+    /// Whether it is unreadable and may hide settings of the group Access. It is then never written either.
+    bool MayHideAccess() const { return m_bMayHideAccess; }
 
     /// Reads the key into the field; an absent key leaves the field as it is, a text that is no number reads as 0.
     template <class Field>
@@ -49,5 +51,5 @@ private:
     QSettings m_settings;
     bool m_bReadable = false;
     bool m_bOwnReadable = false;
-    bool m_bMayNameAccess = false;
+    bool m_bMayHideAccess = false;
 };

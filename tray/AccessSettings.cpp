@@ -114,6 +114,8 @@ AccessPolicy LoadAccessPolicy()
         return policy;
     }
     const SettingsFile file(TraySettingsFileName(), QStringLiteral("Access"));
+    if (file.MayHideAccess())
+        Refuse(policy, "what may be", "is hidden by a value that is not decoded");
     const QStringList names = file.Keys();
     for (const QString &strName : names) {
         if (!TakeKey(file, strName, policy))

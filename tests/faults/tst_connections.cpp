@@ -221,7 +221,7 @@ void ConnectionsTest::clientThatNeverReadsIsCutOff()
     opener.command(QStringLiteral("InitialDevice?id=2&width=800&height=480"));
     const QByteArray request = "ws://localhost:" + QByteArray::number(m_place->port()) + "/MVSignSDK/Encode?type=1";
     if (message.isEmpty())
-        message = frameHeader(request.size()) + request;
+        message = frameHeader(static_cast<quint32>(request.size())) + request;
     RawClient client;
     QVERIFY(client.connectTo(m_place->port()));
     QCOMPARE(client.handshake(), QByteArray(accepted));

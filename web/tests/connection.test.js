@@ -29,17 +29,21 @@ test('calls go out one after the other, each after the reply to the one before',
   const held = [];
   const { service, pad } = await start(t, (request, socket) => { held.push([request, socket]); });
   const results = Promise.all([pad.getSize(), pad.versionID(), pad.getSize()]);
+  const oneArrives = async () => {
+    while (held.length === 0) await sleep(5);
+    await sleep(50); // and no other behind it
+  };
   const answerNext = (result) => {
     const [request, socket] = held.shift();
     socket.send(reply(request, result));
   };
-  await sleep(50);
+  await oneArrives();
   assert.deepEqual(apisOf(service), ['GetSize']);
   answerNext('1');
-  await sleep(50);
+  await oneArrives();
   assert.deepEqual(apisOf(service), ['GetSize', 'VersionID']);
   answerNext('2.0');
-  await sleep(50);
+  await oneArrives();
   assert.deepEqual(apisOf(service), ['GetSize', 'VersionID', 'GetSize']);
   answerNext('3');
   assert.deepEqual(await results, [1, '2.0', 3]);
