@@ -79,7 +79,8 @@ QByteArrayList SettingsFile::RawTexts() const
     QStringList paths;
     for (const QSettings::Scope scope : {QSettings::UserScope, QSettings::SystemScope})
         paths << QSettings(scope, organization, application).fileName() << QSettings(scope, organization).fileName();
-    for (const QString &folder : QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation)) {
+    const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
+    for (const QString &folder : folders) {
         const QString base = folder + QLatin1Char('/') + organization;
         paths << base + QLatin1Char('/') + application + QStringLiteral(".conf") << base + QStringLiteral(".conf");
     }
