@@ -13,7 +13,7 @@ namespace {
 constexpr int nTrimDelayMs = 1000;
 
 /// Bytes that may wait for a client to read them: more than any picture, less than hurts the machine.
-constexpr qint64 nMostUnread = 256 * 1024 * 1024;
+constexpr qint64 nMostUnread = 268435456;
 
 /// Writes the header of a whole text message in one frame of a server, which does not mask.
 void WriteFrameHeader(QTcpSocket *pConnection, int nPayload)
@@ -78,13 +78,23 @@ QTcpSocket *ClientConnections::ConnectionBelow(const QWebSocket *pClient) const
     return nullptr;
 }
 
-bool ClientConnections::KeepsUp(QWebSocket *pClient) const
+bool ClientConnections::KeepsUp(const QWebSocket *pClient)
 {
     const QTcpSocket *const pConnection = m_connections.value(pClient);
     if (!pConnection || pConnection->bytesToWrite() <= nMostUnread)
         return true;
-    QTimer::singleShot(0, pClient, &QWebSocket::abort); // not while it hands on what it has read
+    // Not while the WebSocket hands on what it has read.
+    QMetaObject::invokeMethod(this, "CutOffWhoDoesNotRead", Qt::QueuedConnection);
     return false;
+}
+
+void ClientConnections::CutOffWhoDoesNotRead()
+{
+    const QList<QTcpSocket *> connections = m_connections.values(); // a connection that ends is taken off
+    for (QTcpSocket *pConnection : connections) {
+        if (pConnection->bytesToWrite() > nMostUnread)
+            pConnection->abort();
+    }
 }
 
 void ClientConnections::SendText(QWebSocket *pClient, const QByteArray &text)

@@ -25,12 +25,13 @@ public:
     void Remove(const QWebSocket *pClient);
 
     /// False when the client has left so much unread that nothing more is to be sent to it: its connection ends then.
-    bool KeepsUp(QWebSocket *pClient) const;
+    bool KeepsUp(const QWebSocket *pClient);
     /// Sends a text in UTF-8 as one message. Does nothing when the client is not connected any more or does not keep
     /// up.
     void SendText(QWebSocket *pClient, const QByteArray &text);
 
 private:
+    Q_INVOKABLE void CutOffWhoDoesNotRead();
     QTcpSocket *ConnectionBelow(const QWebSocket *pClient) const;
     void TrimSoon();
 

@@ -33,7 +33,7 @@ QBasicMutex pushTargetMutex;
 constexpr int nSmallReply = 128;
 
 /// Bytes of a message. A text of Qt holds little more; making a longer one would end the program.
-constexpr quint64 nLongestMessage = 1000 * 1000 * 1000;
+constexpr quint64 nLongestMessage = 1000000000;
 
 /// How long nobody is let in when the process has run out of descriptors.
 constexpr int nAcceptPauseMs = 1000;
@@ -70,9 +70,12 @@ WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy a
     if (Listen()) {
         connect(m_pWebSocketServer, &QWebSocketServer::newConnection, this, &WebSocketService::onNewConnection);
         connect(m_pWebSocketServer, &QWebSocketServer::closed, this, &WebSocketService::closed);
-        connect(m_pWebSocketServer, &QWebSocketServer::acceptError, this, [this] { // Qt accepts nobody any more then
-            QTimer::singleShot(nAcceptPauseMs, m_pWebSocketServer, &QWebSocketServer::resumeAccepting);
-        });
+        auto *const pAcceptPause = new QTimer(this);
+        pAcceptPause->setSingleShot(true);
+        pAcceptPause->setInterval(nAcceptPauseMs);
+        connect(m_pWebSocketServer, &QWebSocketServer::acceptError, pAcceptPause,
+                [pAcceptPause] { pAcceptPause->start(); }); // Qt accepts nobody any more then
+        connect(pAcceptPause, &QTimer::timeout, m_pWebSocketServer, &QWebSocketServer::resumeAccepting);
         m_strServiceUrl = QStringLiteral("%1%2%3")
                               .arg(QStringLiteral("ws://localhost:"))
                               .arg(port)

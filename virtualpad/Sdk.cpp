@@ -53,7 +53,7 @@ unsigned char virtualpad_InitialDevice(int nID, void *, int, int, int nWidth, in
     const bool isThere = shared.pad.plugIn(nID, QSize(nWidth, nHeight), signedByHand);
     lock.unlock();
     updateWindow();
-    return isThere;
+    return isThere ? 1 : 0;
 }
 
 int virtualpad_UnInitialDevice(int nDeviceID)
@@ -136,7 +136,8 @@ void virtualpad_SignPadEventCallback(int nDeviceID, void (*pfnEvent)(int))
 
 unsigned char virtualpad_SetRealTimeSignBase64DataCallback(int nDeviceID, int nType, void (*pfnSignBase64Data)(char *))
 {
-    return withPad(nDeviceID, [=](Pad &pad) { return pad.setPictureCallback(nType, pfnSignBase64Data); }) == Success;
+    const int nResult = withPad(nDeviceID, [=](Pad &pad) { return pad.setPictureCallback(nType, pfnSignBase64Data); });
+    return nResult == Success ? 1 : 0;
 }
 
 int virtualpad_GetTotalInkPointsNumber(int nDeviceID)
@@ -261,7 +262,8 @@ void virtualpad_FreeSVGImageBase64Data(int, char *pText)
 
 unsigned char virtualpad_InitialWPSSignCanvas(int nDeviceID, int nWidth, int nHeight)
 {
-    return withPad(nDeviceID, [=](Pad &pad) { return pad.setWpsCanvas(QSize(nWidth, nHeight)); }) == Success;
+    const int nResult = withPad(nDeviceID, [=](Pad &pad) { return pad.setWpsCanvas(QSize(nWidth, nHeight)); });
+    return nResult == Success ? 1 : 0;
 }
 
 char *virtualpad_WPSBase64Encode(int nDeviceID, int nType)
