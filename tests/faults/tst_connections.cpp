@@ -228,7 +228,8 @@ void ConnectionsTest::clientThatNeverReadsIsCutOff()
     client.readNothing();
     for (int i = 0; i < times; ++i)
         client.send(message);
-    QVERIFY(client.waitForEnd(30000));
+    // A client that does not read may not see the end; the service has only the opener left.
+    QTRY_VERIFY_WITH_TIMEOUT(m_place->openDescriptors() <= m_descriptors + 1, 30000);
     QVERIFY2(m_place->residentKiB() < 600 * 1024, "what nobody reads is hoarded");
 }
 
