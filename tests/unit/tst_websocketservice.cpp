@@ -23,6 +23,15 @@ namespace {
 const char invalid[] = R"({"API":"Invalid API request","Result":"-1"})";
 const char size[] = R"({"API":"GetSize","Result":"0"})";
 
+/// Sends the opening handshake by hand.
+bool isLetIn(QTcpSocket &socket)
+{
+    socket.write("GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+                 "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+    return QTest::qWaitFor([&socket] { return socket.bytesAvailable() > 0; }, patienceMs)
+           && socket.readAll().startsWith("HTTP/1.1 101 ");
+}
+
 } // namespace
 
 class WebSocketServiceTest : public QObject
@@ -373,10 +382,7 @@ void WebSocketServiceTest::rubbishAfterTheHandshake()
     QTcpSocket rude;
     rude.connectToHost(QHostAddress(QHostAddress::LocalHost), service.port());
     QVERIFY(rude.waitForConnected());
-    rude.write("GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-               "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
-    QTRY_VERIFY_WITH_TIMEOUT(rude.bytesAvailable() > 0, patienceMs);
-    QVERIFY(rude.readAll().startsWith("HTTP/1.1 101 "));
+    QVERIFY(isLetIn(rude));
     rude.write(frame);
     rude.flush();
     SignClient client;
@@ -438,10 +444,7 @@ void WebSocketServiceTest::letsInAgainWhenTheFirstFoundNoDescriptor()
 
     QTcpSocket socket;
     QVERIFY(socket.setSocketDescriptor(client));
-    socket.write("GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-                 "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
-    QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 0, patienceMs);
-    QVERIFY(socket.readAll().startsWith("HTTP/1.1 101 "));
+    QVERIFY(isLetIn(socket));
 }
 
 void WebSocketServiceTest::portInUse()
