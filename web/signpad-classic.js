@@ -441,9 +441,12 @@ globalThis.MVSignPad ??= (() => {
         // The key first: the ink then holds all that came before it.
         const key = await this.getDeviceConfirmOrCancelKeyStatus(options);
         const size = await this.getSize(options);
-        const points = size === seen.size ? seen.points : await this.getPointer(options);
-        const changed = size !== seen.size || key !== seen.key;
-        seen = { size, key, points };
+        // Lifting the pen marks the last point and adds none.
+        const mayDiffer = size !== seen.size || seen.isPenDown;
+        const points = mayDiffer ? await this.getPointer(options) : seen.points;
+        const isPenDown = points.at(-1)?.strokeEnd === false;
+        const changed = size !== seen.size || key !== seen.key || isPenDown !== seen.isPenDown;
+        seen = { size, key, points, isPenDown };
         if (changed) yield { points, key };
         await delay(interval, options.signal);
       }

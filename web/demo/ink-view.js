@@ -41,6 +41,8 @@
       const same = points[this.#drawn - 1];
       const continues = this.#drawn === 0 ||
         (same && same.x === last.x && same.y === last.y && same.time === last.time);
+      // Once the pen is lifted, the line that ended half-way to the last point is drawn to its end.
+      if (continues && same?.strokeEnd !== last?.strokeEnd) this.#drawn -= 1;
       this.#points = points;
       if (continues) this.#drawRest();
       else this.#redraw();

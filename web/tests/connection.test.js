@@ -349,6 +349,26 @@ test('watch yields each change of ink and key', async (t) => {
   assert.deepEqual(seen, [[1, -1], [2, -1], [3, -1], [3, 1]]);
 });
 
+test('watch tells the lifting of the pen, which adds no point', async (t) => {
+  let round = 0;
+  let fetches = 0;
+  const point = (end) => `[{"Time":"t","bStrokeEnd":"${end}","pressure":"9","x":"1","y":"2"}]`;
+  const answers = {
+    IsValid: () => '1',
+    GetDeviceConfirmOrCancelKeyStatus: () => ++round < 6 ? '-1' : '1',
+    GetSize: () => '1',
+    GetPointer: () => point(++fetches < 3 ? '0' : '1'),
+  };
+  const { pad } = await start(t, (request) => reply(request, answers[request]()));
+  const seen = [];
+  for await (const { points, key } of pad.watch({ interval: 1 })) {
+    seen.push([round, points[0].strokeEnd, key]);
+    if (key === KeyStatus.confirm) break;
+  }
+  assert.deepEqual(seen, [[1, false, -1], [3, true, -1], [6, true, 1]]);
+  assert.equal(fetches, 3, 'the points of a lifted pen are fetched once');
+});
+
 test('watch ends quietly on abort and raises the loss of the pad', async (t) => {
   const device = signingPad(Infinity);
   const { pad } = await start(t, (request) => device.answer(request));

@@ -102,13 +102,13 @@ export async function padWindow(desktop, padWidth) {
   return { id, x: x + (width - padWidth) / 2, y: y + PAD_HEADER };
 }
 
-/** Draws one stroke through the corners, as fast as a hand does. */
+/** Draws one stroke through the corners, as fast as a hand does, and rests at its end before it lifts the pen. */
 export async function drawStroke(desktop, { x, y }, corners) {
   const moveTo = ([left, top]) => ['mousemove', Math.round(x + left), Math.round(y + top)];
   const way = corners.slice(1).flatMap((corner, i) => Array.from({ length: STEPS_PER_LINE }, (_, step) =>
     corner.map((end, axis) => corners[i][axis] + (end - corners[i][axis]) * (step + 1) / STEPS_PER_LINE)));
   const motion = way.flatMap((point) => [...moveTo(point), 'sleep', 0.01]);
-  await xdotool(desktop, moveTo(corners[0]), 'mousedown', 1, motion, 'mouseup', 1);
+  await xdotool(desktop, moveTo(corners[0]), 'mousedown', 1, motion, 'sleep', 0.2, 'mouseup', 1);
 }
 
 export const pressKey = (desktop, { id }, key) => xdotool(desktop, 'windowfocus', '--sync', id, 'key', key);

@@ -295,7 +295,9 @@ describe("with a hand at the pad's window", () => {
     await until(() => page.locator('#gauge-pressure').evaluate(({ value }) => value === 0), 'the pen to be lifted');
     const time = await page.locator('#gauge-time').textContent();
     const preview = await inkOf(page, '#ink');
-    assert.ok(Math.abs(preview.box.left / preview.width - 150 / 800) < 0.01, `${preview.box.left} of ${preview.width}`);
+    const inPreview = (side) => preview.box[side] / preview.width * 800;
+    assert.ok(Math.abs(inPreview('left') - 150) < 8, `the preview's ink begins at ${inPreview('left')}`);
+    assert.ok(Math.abs(inPreview('right') - 601) < 2.5, `the preview's ink ends at ${inPreview('right')}`);
     await xdotool(desktop, 'mousemove', 5, 700);
     await keepDesktop('pad-window.png');
 
