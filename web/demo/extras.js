@@ -7,11 +7,15 @@
   const find = (id) => document.getElementById(id);
 
   const WPS_APPLICATIONS = ['WPS', 'ET', 'WPP'];
+  const WPS_SETTINGS = ['wps-name', 'wps-width', 'wps-date', 'wps-fit', 'wps-save'];
   const MODELS_WITH_LCD = new Set(['Alder', 'Birch', 'Cedar']);
   const MODELS_WITH_FINGERPRINT = new Set(['Cedar']);
 
   /** What the page is about at the moment; demo.js hands it over at each change. */
   let now = { pad: null, model: 'Alder', size: { width: 0, height: 0 }, isOpen: false, signature: null };
+
+  /** The form shows the settings of the chosen application: until then they can be neither changed nor saved. */
+  let areSettingsLoaded = false;
 
   /** A line that tells what came of the last command, in the language of the moment. */
   function statusLine(id) {
@@ -43,12 +47,16 @@
 
   async function loadSettings() {
     const app = chosenApp();
+    areSettingsLoaded = false;
+    render();
     const settings = await now.pad.getWPSSettings(app);
     if (app !== chosenApp()) return;
     find('wps-name').value = settings.name;
     find('wps-width').value = settings.penWidth;
     find('wps-date').checked = settings.dateTime;
     find('wps-fit').checked = settings.autoFit;
+    areSettingsLoaded = true;
+    render();
   }
 
   async function saveSettings() {
@@ -94,7 +102,8 @@
   function render() {
     const { pad, model, isOpen, signature } = now;
     const hasLcd = MODELS_WITH_LCD.has(model);
-    for (const element of find('wps').elements) element.disabled = !pad;
+    find('wps-apps').disabled = !pad;
+    for (const id of WPS_SETTINGS) find(id).disabled = !pad || !areSettingsLoaded;
     find('wps-picture').disabled = !pad || !isOpen || !signature;
     find('wps-picture').title = signature ? '' : t('pictureNeedsInk');
     find('lcd').hidden = !hasLcd;

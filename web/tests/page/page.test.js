@@ -389,10 +389,15 @@ describe('two tabs', () => {
 });
 
 describe('beside the signing', () => {
+  async function chooseSpreadsheet(page) {
+    await until(() => page.getByRole('radio', { name: 'Spreadsheet' }).isEnabled(), 'the connection');
+    await page.getByText('Spreadsheet').click();
+  }
+
   test('WPS settings are kept and the picture is made', async (t) => {
     const { port } = await service(t, { virtual: { SPEED: '0' } });
     const page = await visit(t, web.page, port);
-    await page.getByText('Spreadsheet').click();
+    await chooseSpreadsheet(page);
     await page.getByLabel("Signer's name").fill('<b>李明</b>');
     await page.getByLabel('Stamp date and time').check();
     await button(page, 'Save settings').click();
@@ -400,7 +405,7 @@ describe('beside the signing', () => {
     const file = path.join(desktop.home, '.config/mvsignpadsdk/MVeSign_WPS.conf');
     assert.match(await readFile(file, 'utf8'), /^EnableDateTime_ET=true$/m);
     await page.reload();
-    await page.getByText('Spreadsheet').click();
+    await chooseSpreadsheet(page);
     await until(async () => await page.getByLabel("Signer's name").inputValue() === '<b>李明</b>', 'the saved name');
 
     assert.equal(await button(page, 'Make the picture').isDisabled(), true);
