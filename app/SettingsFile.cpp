@@ -54,10 +54,10 @@ bool HoldsStreamedValue(const QByteArray &text)
     return isIn("=@Variant(") || isIn(",@Variant(") || isIn("=@DateTime(") || isIn(",@DateTime(");
 }
 
-/// Whether the text may have settings of the group Access: "%" is how a key can spell any letter.
+/// Whether the text may have settings of the access group: "%" is how a key can spell any letter.
 bool MayNameAccess(const QByteArray &text)
 {
-    return text.contains("Access") || text.contains('%');
+    return text.contains(accessGroup) || text.contains('%');
 }
 
 } // namespace

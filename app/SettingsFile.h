@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <QVariant>
 
+/// The group of the settings that say who is served; only an administrator writes it.
+constexpr char accessGroup[] = "Access";
+
 /// One group of one of the program's per-user settings files. What the user's file lacks is looked for in the
 /// machine's file of the same name. Written when it is destroyed, if anything was saved: as a whole or not at all.
 /// Unreadable, as if there were none, when one of the files has a value that must not be decoded.
@@ -23,7 +26,7 @@ public:
     /// is none.
     QByteArrayList RawTexts() const;
 
-    /// Whether it is unreadable and may hide settings of the group Access. It is then never written either.
+    /// Whether it is unreadable and may hide settings of the access group. It is then never written either.
     bool MayHideAccess() const { return m_bMayHideAccess; }
 
     /// Reads the key into the field; an absent key leaves the field as it is, a text that is no number reads as 0.

@@ -82,7 +82,7 @@ bool HasLineWithoutValue(const QByteArray &text)
     for (const QByteArray &rawLine : lines) {
         const QByteArray line = rawLine.trimmed();
         if (line.startsWith('['))
-            bInGroup = line.mid(1, line.indexOf(']') - 1).trimmed() == "Access";
+            bInGroup = line.mid(1, line.indexOf(']') - 1).trimmed() == accessGroup;
         else if (bInGroup && !line.isEmpty() && !line.startsWith(';') && !line.contains('='))
             return true;
     }
@@ -113,7 +113,7 @@ AccessPolicy LoadAccessPolicy()
         Refuse(policy, "a line", "has no value");
         return policy;
     }
-    const SettingsFile file(TraySettingsFileName(), QStringLiteral("Access"));
+    const SettingsFile file(TraySettingsFileName(), QLatin1String(accessGroup));
     if (file.MayHideAccess())
         Refuse(policy, "what may be", "is hidden by a value that is not decoded");
     const QStringList names = file.Keys();

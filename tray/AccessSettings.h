@@ -2,9 +2,9 @@
 
 #include "service/AccessPolicy.h"
 
-/// False when a line of the group "Access" is no setting. Such a line is lost when the file is written. Any thread.
+/// False when a line of the access group is no setting. Such a line is lost when the file is written. Any thread.
 bool IsAccessGroupReadable();
 
-/// Reads the group "Access" of the tray settings file, which only an administrator writes. A group that is not
-/// understood in full serves nobody, and one line on standard error says why. Any thread.
+/// Reads the access group of the tray settings file. A group that is not understood in full serves nobody, and one line
+/// on standard error says why. Any thread.
 AccessPolicy LoadAccessPolicy();
