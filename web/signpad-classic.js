@@ -10,6 +10,7 @@ globalThis.MVSignPad ??= (() => {
   const PROMPT_TIMEOUT_MS = 60_000;
   const POLL_INTERVAL_MS = 40;
   const PRESENCE_CHECK_MS = 1_000;
+  const LONGEST_WAIT_MS = 0x7fffffff; // a timer takes more for none at all
   const INVALID_REQUEST = 'Invalid API request';
 
   /** Device IDs of the pad models. */
@@ -39,6 +40,12 @@ globalThis.MVSignPad ??= (() => {
   function integer(value, name) {
     if (!Number.isInteger(value) || value < -0x80000000 || value > 0x7fffffff) refuse(name, 'a 32-bit integer');
     return String(value);
+  }
+
+  function milliseconds(value, name) {
+    const isTime = typeof value === 'number' && value >= 0 && value <= LONGEST_WAIT_MS;
+    if (!isTime) refuse(name, `a number of milliseconds from 0 to ${LONGEST_WAIT_MS}`);
+    return value;
   }
 
   function flag(value, name) {
@@ -270,6 +277,12 @@ globalThis.MVSignPad ??= (() => {
     }
   }
 
+  /** After these the pad's ink and key begin anew. */
+  const FRESH_STARTS = new Set(['Clear', 'InitialDevice', 'UninitialDevice']);
+
+  const sameInk = (a, b) =>
+    a === b || (a.length === b?.length && JSON.stringify(a.at(-1)) === JSON.stringify(b.at(-1)));
+
   // ---- Time --------------------------------------------------------------------------------------------------------
 
   function delay(milliseconds, signal) {
@@ -362,6 +375,8 @@ globalThis.MVSignPad ??= (() => {
       reconnect = true, reconnectDelay = 500, maxReconnectDelay = 10_000, WebSocket = globalThis.WebSocket,
       signal } = options;
     if (!Number.isInteger(port) || port < 1 || port > 65535) refuse('port', 'a number from 1 to 65535');
+    const times = { timeout, promptTimeout, reconnectDelay, maxReconnectDelay };
+    for (const [name, value] of Object.entries(times)) milliseconds(value, name);
     if (typeof WebSocket !== 'function') refuse('WebSocket', 'given where there is no global WebSocket');
     return { port, host, timeout, promptTimeout, reconnect, reconnectDelay, maxReconnectDelay, WebSocket, signal };
   }
@@ -381,6 +396,7 @@ globalThis.MVSignPad ??= (() => {
     #waiting = [];
     #current = null;
     #fences = 0;
+    #freshStarts = 0; // how often this client has emptied, opened or closed the pad
 
     static async connect(options = {}) {
       const pad = new SignPad(options);
@@ -419,12 +435,12 @@ globalThis.MVSignPad ??= (() => {
     }
 
     /**
-     * Follows the signing: yields {points, key} at once and after each change, until the loop is left or the signal
-     * aborts. Raises `pad-missing` when the pad is gone.
+     * Follows the signing: yields {points, key} at once, after each change, and after each clear() of this client, until
+     * the loop is left or the signal aborts. Raises `pad-missing` when the pad is gone.
      */
     async *watch({ interval = POLL_INTERVAL_MS, signal } = {}) {
       try {
-        yield* this.#watch(interval, { signal });
+        yield* this.#watch(milliseconds(interval, 'interval'), { signal });
       } catch (error) {
         if (!signal?.aborted) throw error;
       }
@@ -438,25 +454,32 @@ globalThis.MVSignPad ??= (() => {
           if (!await this.isValid(options)) throw new SignPadError('pad-missing', 'The pad is no longer there');
           presenceCheckedAt = performance.now();
         }
+        const start = this.#freshStarts;
+        if (start !== seen.start) seen = { start };
         // The key first: the ink then holds all that came before it.
         const key = await this.getDeviceConfirmOrCancelKeyStatus(options);
-        const size = await this.getSize(options);
-        // Lifting the pen marks the last point and adds none.
-        const mayDiffer = size !== seen.size || seen.isPenDown;
-        const points = mayDiffer ? await this.getPointer(options) : seen.points;
-        const isPenDown = points.at(-1)?.strokeEnd === false;
-        const changed = size !== seen.size || key !== seen.key || isPenDown !== seen.isPenDown;
-        seen = { size, key, points, isPenDown };
-        if (changed) yield { points, key };
+        const points = await this.#pointsAfter(seen.points, options);
+        if (start !== this.#freshStarts) continue; // the key may be from before, the ink from after
+        const isNews = key !== seen.key || !sameInk(points, seen.points);
+        seen = { start, key, points };
+        if (isNews) yield { points, key };
         await delay(interval, options.signal);
       }
+    }
+
+    /** Fetches the points when they may differ. Lifting the pen marks the last one and adds none. */
+    async #pointsAfter(seen, options) {
+      const size = await this.getSize(options);
+      return size === seen?.length && seen.at(-1)?.strokeEnd !== false ? seen : this.getPointer(options);
     }
 
     // Requests
 
     /** Sends one command of the table and resolves with its decoded result. */
-    #call(row, argument, { timeout = this.#options.timeout, signal } = {}) {
+    #call(row, argument, options) {
       return new Promise((resolve, reject) => {
+        const { timeout = this.#options.timeout, signal } = options ?? {};
+        milliseconds(timeout, 'timeout');
         if (signal?.aborted) return reject(signal.reason);
         const query = queryOf(row, argument);
         if (!this.#socket) throw new SignPadError('connection-lost', `There is no connection to ${this.url}`);
@@ -522,6 +545,7 @@ globalThis.MVSignPad ??= (() => {
       const message = envelope(data);
       const request = this.#current;
       const answers = request && (message?.API === request.row.api || message?.API === INVALID_REQUEST);
+      if (answers && FRESH_STARTS.has(message.API)) this.#freshStarts += 1;
       if (answers && request.fence && message.API !== INVALID_REQUEST) {
         request.heard.push(message.Result);
       } else if (answers) {
@@ -530,9 +554,9 @@ globalThis.MVSignPad ??= (() => {
           : succeed(message.Result));
       } else if (message && Object.hasOwn(PUSHES, message.API)) {
         this.#push(message.API, message.Result);
-      } else if (request) {
+      } else if (request && (!message || COMMANDS.some(({ api }) => api === message.API))) {
         this.#finish(({ fail }) => fail(malformed(`something that does not answer ${request.row.api}`)));
-      }
+      } // what is named like no command concerns nobody: a later service may have further pushes
     }
 
     /**

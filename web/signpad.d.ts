@@ -140,7 +140,7 @@ export interface SignPadEventMap {
   reconnect: { attempt: number };
 }
 
-export declare class SignPadEvent<Detail> extends Event {
+export interface SignPadEvent<Detail> extends Event {
   readonly detail: Detail;
 }
 
@@ -161,7 +161,7 @@ export declare class SignPad extends EventTarget {
   /** `initialDevice` that raises `pad-missing` when no such pad answers. */
   open(pad: PadDescription, options?: CallOptions): Promise<void>;
 
-  /** Yields at once and after each change of ink or key. Raises `pad-missing` when the pad is gone. */
+  /** Yields at once, after each change of ink or key, and after each `clear` of this client. Raises `pad-missing` when the pad is gone. */
   watch(options?: WatchOptions): AsyncGenerator<Progress, void, void>;
 
   addEventListener<Type extends keyof SignPadEventMap>(
@@ -171,6 +171,13 @@ export declare class SignPad extends EventTarget {
   ): void;
   addEventListener(type: string, listener: EventListenerOrEventListenerObject | null,
     options?: boolean | AddEventListenerOptions): void;
+  removeEventListener<Type extends keyof SignPadEventMap>(
+    type: Type,
+    listener: (this: SignPad, event: SignPadEvent<SignPadEventMap[Type]>) => unknown,
+    options?: boolean | EventListenerOptions,
+  ): void;
+  removeEventListener(type: string, listener: EventListenerOrEventListenerObject | null,
+    options?: boolean | EventListenerOptions): void;
 
   // The pad
 

@@ -68,10 +68,10 @@ test('a late reply is not taken for the answer to the next call', async (t) => {
 });
 
 test('a call that times out in the line is never sent', async (t) => {
-  const { service, pad } = await start(t, () => undefined, { timeout: 60 });
+  const { service, pad } = await start(t, () => undefined);
   await Promise.all([
-    assert.rejects(pad.getSize(), { code: 'timeout' }),
-    assert.rejects(pad.clear(), { code: 'timeout' }),
+    assert.rejects(pad.getSize({ timeout: 60 }), { code: 'timeout' }),
+    assert.rejects(pad.clear({ timeout: 60 }), { code: 'timeout' }),
   ]);
   assert.deepEqual(apisOf(service), ['GetSize']);
 });
@@ -178,6 +178,14 @@ test('what is not of the protocol fails the call, not the client', async (t) => 
   await assert.rejects(pad.getInks(), { code: 'protocol' });
 });
 
+test('messages of a name that is no command are left aside', async (t) => {
+  const { pad } = await start(t, (request, socket) => {
+    socket.send(reply('SomethingNew', '1'));
+    return reply(request, request === 'GetSize' ? '7' : '2.0');
+  });
+  assert.deepEqual(await Promise.all([pad.getSize(), pad.versionID(), pad.getSize()]), [7, '2.0', 7]);
+});
+
 test('a closed port is told apart', async () => {
   const service = await startMockService();
   await service.stop();
@@ -229,12 +237,12 @@ for (const [location, mayBeAsked] of [['https://bank.example/', true], ['http://
 }
 
 test('a connection that opens at the last moment stays open', async (t) => {
-  inBrowser(t, 'prompt', 'https://bank.example/', 100);
+  inBrowser(t, 'prompt', 'https://bank.example/', 400);
   const service = await startMockService((request) => reply(request, '5'), { admit: () => sleep(80) });
   t.after(() => service.stop());
   const pad = await SignPad.connect({ port: service.port, WebSocket, timeout: 40, promptTimeout: 20 });
   t.after(() => pad.close());
-  await sleep(150);
+  await sleep(600);
   assert.equal(await pad.getSize(), 5);
 });
 
@@ -251,6 +259,20 @@ test('options that make no sense are refused', async () => {
   await assert.rejects(SignPad.connect({ port: 0, WebSocket }), { code: 'invalid-argument' });
   await assert.rejects(SignPad.connect({ port: 65536, WebSocket }), { code: 'invalid-argument' });
   await assert.rejects(SignPad.connect({ WebSocket: null }), { code: 'invalid-argument' });
+});
+
+test('times that no timer can wait for are refused, and nothing is sent', async (t) => {
+  for (const name of ['timeout', 'promptTimeout', 'reconnectDelay', 'maxReconnectDelay']) {
+    for (const time of [Infinity, -1, NaN, 2 ** 31, '50']) {
+      await assert.rejects(SignPad.connect({ WebSocket, [name]: time }), { code: 'invalid-argument' }, `${name} ${time}`);
+    }
+  }
+  const { service, pad } = await start(t, (request) => reply(request, '3'), { timeout: 2 ** 31 - 1 });
+  await assert.rejects(pad.getSize({ timeout: Infinity }), { code: 'invalid-argument' });
+  await assert.rejects(pad.watch({ interval: Infinity }).next(), { code: 'invalid-argument' });
+  assert.deepEqual(service.requests, []);
+  assert.equal(await pad.getSize(), 3);
+  assert.equal(await pad.getSize(null), 3);
 });
 
 test('a lost connection fails the calls that wait and is made anew', async (t) => {
@@ -349,24 +371,76 @@ test('watch yields each change of ink and key', async (t) => {
   assert.deepEqual(seen, [[1, -1], [2, -1], [3, -1], [3, 1]]);
 });
 
-test('watch tells the lifting of the pen, which adds no point', async (t) => {
-  let round = 0;
+const pointsText = (...points) => JSON.stringify(points.map(([Time, bStrokeEnd]) =>
+  ({ Time, bStrokeEnd, pressure: '9', x: '1', y: '2' })));
+
+/**
+ * Watches a pad that answers as `rounds` say, one [size, points, key] for each look, until it reads confirm. Returns
+ * what was told as [look, points, strokeEnd of the last point, key], and how often points were fetched.
+ */
+async function watchRounds(t, rounds) {
+  let look = 0;
   let fetches = 0;
-  const point = (end) => `[{"Time":"t","bStrokeEnd":"${end}","pressure":"9","x":"1","y":"2"}]`;
-  const answers = {
-    IsValid: () => '1',
-    GetDeviceConfirmOrCancelKeyStatus: () => ++round < 6 ? '-1' : '1',
-    GetSize: () => '1',
-    GetPointer: () => point(++fetches < 3 ? '0' : '1'),
-  };
-  const { pad } = await start(t, (request) => reply(request, answers[request]()));
-  const seen = [];
+  const { pad } = await start(t, (request) => {
+    if (request === 'IsValid') return reply(request, '1');
+    if (request === 'GetDeviceConfirmOrCancelKeyStatus') return reply(request, rounds[look++][2]);
+    if (request === 'GetSize') return reply(request, rounds[look - 1][0]);
+    fetches += 1;
+    return reply(request, rounds[look - 1][1]);
+  });
+  const told = [];
   for await (const { points, key } of pad.watch({ interval: 1 })) {
-    seen.push([round, points[0].strokeEnd, key]);
+    told.push([look, points.length, points.at(-1)?.strokeEnd, key]);
     if (key === KeyStatus.confirm) break;
   }
-  assert.deepEqual(seen, [[1, false, -1], [3, true, -1], [6, true, 1]]);
+  return { told, fetches };
+}
+
+test('watch tells the lifting of the pen, which adds no point', async (t) => {
+  const down = ['1', pointsText(['a', '0']), '-1'];
+  const up = ['1', pointsText(['a', '1']), '-1'];
+  const { told, fetches } = await watchRounds(t, [down, down, up, up, up, [...up.slice(0, 2), '1']]);
+  assert.deepEqual(told, [[1, 1, false, -1], [3, 1, true, -1], [6, 1, true, 1]]);
   assert.equal(fetches, 3, 'the points of a lifted pen are fetched once');
+});
+
+test('watch tells points once that were written while it looked', async (t) => {
+  const two = pointsText(['a', '0'], ['b', '1']);
+  const { told, fetches } = await watchRounds(t, [['1', two, '-1'], ['2', two, '-1'], ['2', two, '1']]);
+  assert.deepEqual(told, [[1, 2, true, -1], [3, 2, true, 1]]);
+  assert.equal(fetches, 1);
+});
+
+test('watch tells other points of the same number', async (t) => {
+  const { told } = await watchRounds(t,
+    [['1', pointsText(['a', '0']), '-1'], ['1', pointsText(['b', '0']), '-1'], ['1', pointsText(['b', '0']), '1']]);
+  assert.deepEqual(told, [[1, 1, false, -1], [2, 1, false, -1], [3, 1, false, 1]]);
+});
+
+test('watch tells a key that is pressed again right after clear', async (t) => {
+  let clears = 0;
+  const answers = { IsValid: '1', GetDeviceConfirmOrCancelKeyStatus: '1', GetSize: '0', GetPointer: '[]', Clear: '0' };
+  const { pad } = await start(t, (request) => reply(request, answers[request]));
+  for await (const { points, key } of pad.watch({ interval: 1 })) {
+    assert.deepEqual([points, key], [[], KeyStatus.confirm]);
+    if (++clears === 3) break;
+    await pad.clear();
+  }
+  assert.equal(clears, 3);
+});
+
+test('watch never tells a key from before clear with the ink from after it', async (t) => {
+  let size = 1;
+  let key = '1';
+  let clearing;
+  const { pad } = await start(t, (request) => {
+    if (request === 'GetDeviceConfirmOrCancelKeyStatus' && !clearing) clearing = pad.clear(); // goes out next
+    else if (request === 'Clear') [size, key] = [0, '-1'];
+    return reply(request, { IsValid: '1', GetDeviceConfirmOrCancelKeyStatus: key, GetSize: String(size),
+      GetPointer: size ? pointsText(['a', '1']) : '[]', Clear: '0' }[request]);
+  });
+  const { value } = await pad.watch({ interval: 1 }).next();
+  assert.deepEqual(value, { points: [], key: -1 });
 });
 
 test('watch ends quietly on abort and raises the loss of the pad', async (t) => {

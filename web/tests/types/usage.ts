@@ -1,5 +1,6 @@
 // Compiled, never run: what the declarations must accept, and what they must refuse.
 import { COMMANDS, KeyStatus, Model, SignPad, SignPadData, SignPadError } from 'mvsignpad';
+import type { SignPadEvent } from 'mvsignpad';
 import WebSocket from 'ws';
 
 async function accepted(): Promise<void> {
@@ -19,6 +20,9 @@ async function accepted(): Promise<void> {
   const settings = await pad.getWPSSettings('ET');
   await pad.updateWPSSettings({ app: 'ET', ...settings, name: 'A' });
   pad.addEventListener('key', (event) => { const status: number = event.detail; void status; });
+  const onKey = ({ detail }: SignPadEvent<number>) => { void detail; };
+  pad.addEventListener('key', onKey);
+  pad.removeEventListener('key', onKey);
   pad.addEventListener('disconnect', ({ detail }) => { if (detail.error.code === 'connection-lost') pad.close(); });
   void [blob, connected, x, COMMANDS[0]?.api];
 }
