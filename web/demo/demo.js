@@ -17,7 +17,11 @@
   const view = new InkView(find('ink'));
   let pad = null;
   let wish = null; // aborted when the wish to be connected ends
-  let session = null; // {decided: AbortController} while signing; aborted with 'confirm', 'cancel' or 'leave'
+  /**
+   * While signing: `decided` is aborted with 'confirm', 'cancel' or 'leave', `seen` is the number of points that the pad
+   * had at the last look.
+   */
+  let session = null;
   let shownInk = [];
   let stopwatch = null; // {first, last} in milliseconds: when the first and the latest ink came
 
@@ -98,7 +102,7 @@
   async function applyPen() {
     const pen = chosenPen();
     find('pen-width-value').textContent = pen.width;
-    view.pen = pen;
+    if (session || shownInk.length === 0) view.pen = pen; // a finished signature keeps the pen that wrote it
     if (!session?.isOpen) return;
     await pad.setPenWidth(pen.width);
     await pad.setPenColor(rgb(pen.color));
@@ -147,8 +151,9 @@
     pad = connected;
     pad.addEventListener('message', ({ detail }) => log.add(detail));
     pad.addEventListener('disconnect', () => {
-      extras.update({ pad: null, isOpen: false });
-      say({ service: ['stateLost', 'bad'] });
+      session?.decided.abort('leave');
+      extras.update({ pad: null, openModel: null });
+      say({ service: ['stateLost', 'bad'], status: null });
     });
     pad.addEventListener('reconnecting', ({ detail: { attempt, delay } }) => say({
       notice: { name: 'lost', tone: 'bad', values: { attempt, seconds: (delay / 1000).toFixed(1) } },
@@ -172,7 +177,7 @@
     wish = null;
     pad?.close();
     pad = null;
-    extras.update({ pad: null, isOpen: false });
+    extras.update({ pad: null, openModel: null });
     say({ service: ['stateClosed', 'off'], notice: { name: 'closed', action: 'connect', act: connect }, status: null });
   }
 
@@ -183,7 +188,7 @@
     const canTakeTurns = await navigator.locks?.query().then(() => true, () => false);
     if (!canTakeTurns) return work();
     const timer = setTimeout(() => say({
-      notice: { name: 'waiting', action: 'stopWaiting', act: () => session.decided.abort('cancel') },
+      notice: { name: 'waiting', action: 'stopWaiting', act: () => decide('cancel') },
     }), TURN_NOTICE_MS);
     const begin = () => {
       clearTimeout(timer);
@@ -194,7 +199,7 @@
 
   async function sign() {
     if (session || !pad?.connected) return;
-    session = { decided: new AbortController(), isOpen: false };
+    session = { decided: new AbortController(), isOpen: false, isClearing: false, seen: 0 };
     renderButtons();
     try {
       await inTurn(session.decided.signal, follow);
@@ -203,6 +208,7 @@
     } finally {
       session = null;
       find('paper-hint').hidden = true;
+      renderGauges();
       renderButtons();
       rescueFocus(!said.notice ? 'result-title' : said.notice.action ? 'notice-action' : 'paper');
     }
@@ -212,8 +218,14 @@
     await openPad();
     const { signal } = session.decided;
     const decision = await followPen(signal) ?? signal.reason;
+    decide(decision);
     if (decision === 'confirm') await collect();
     if (decision === 'cancel') await discard();
+  }
+
+  function decide(decision) {
+    session?.decided.abort(decision);
+    renderButtons();
   }
 
   async function openPad() {
@@ -221,26 +233,26 @@
     rescueFocus('paper');
     showInk([]);
     result.show(null);
-    extras.update({ isOpen: false, signature: null });
+    showFacts([]);
+    extras.update({ openModel: null, signature: null });
     await pad.open({ model: Model[chosenModel()], ...PAD_SIZE });
     session.isOpen = true;
     await applyPen();
     await pad.clear();
-    extras.update({ isOpen: true });
+    extras.update({ openModel: chosenModel() });
     find('paper-hint').hidden = false;
     status('statusSigning');
-    await showFacts();
+    showFacts(await factsOfPad());
   }
 
   /** Returns what a key of the pad decided, undefined when the page decided. */
   async function followPen(signal) {
-    let seen = 0;
     for await (const { points, key } of pad.watch({ signal })) {
-      if (points.length < seen && !session.isClearing) status('statusTaken');
-      seen = points.length;
+      if (points.length < session.seen) status('statusTaken');
+      session.seen = points.length;
       showInk(points);
       const decision = { [KeyStatus.confirm]: 'confirm', [KeyStatus.cancel]: 'cancel' }[key];
-      if (decision === 'confirm' && seen === 0) await refuseEmpty();
+      if (decision === 'confirm' && points.length === 0) await refuseEmpty();
       else if (decision) return decision;
     }
   }
@@ -253,7 +265,8 @@
 
   async function collect() {
     const points = await pad.getPointer();
-    if (points.length === 0) return say({ status: ['statusEmpty'], notice: idleNotice() }); // cleared at the same moment
+    if (points.length === 0) // cleared at the same moment
+      return say({ status: ['statusEmpty'], notice: idleNotice() });
     const png = await pad.encode(TRANSPARENT_PNG);
     const pngWhite = await pad.getOpaqueInks();
     const svg = await pad.getSVGImageBase64Data();
@@ -268,7 +281,8 @@
     await pad.clear();
     await pad.uninitialDevice();
     showInk([]);
-    extras.update({ isOpen: false });
+    showFacts([]);
+    extras.update({ openModel: null });
     say({ status: ['statusCancelled'], notice: idleNotice() });
   }
 
@@ -278,23 +292,24 @@
     renderButtons();
     try {
       await pad.clear();
-      if (session !== clearing) return;
+      if (clearing.decided.signal.aborted) return;
+      clearing.seen = 0;
       showInk([]);
       status('statusCleared');
     } finally {
       clearing.isClearing = false;
       renderButtons();
+      rescueFocus('paper');
     }
   }
 
   function explain(error) {
-    const decision = session?.decided.signal.reason;
-    if (decision === 'leave') return;
-    if (decision === 'cancel') return say({ status: ['statusCancelled'], notice: idleNotice() });
+    if (session?.decided.signal.reason === 'leave') return;
+    if (error === 'cancel') return say({ status: ['statusCancelled'], notice: idleNotice() });
     if (!(error instanceof SignPadError)) throw error;
     if (error.code === 'connection-lost') return status(null); // the connection speaks for itself
     const name = error.code === 'pad-missing' ? (session?.isOpen ? 'padGone' : 'padMissing') : 'failed';
-    extras.update({ isOpen: false });
+    extras.update({ openModel: null });
     say({
       status: null,
       notice: { name, tone: 'bad', action: 'start', act: sign, values: { model: chosenModel() },
@@ -307,7 +322,10 @@
   function showInk(points) {
     view.show(points);
     if (points.length === 0) stopwatch = null;
-    else if (points.length !== shownInk.length) stopwatch = { first: stopwatch?.first ?? performance.now(), last: performance.now() };
+    else if (points.length !== shownInk.length) {
+      const now = performance.now();
+      stopwatch = { first: stopwatch?.first ?? now, last: now };
+    }
     if (points.length > 0) find('paper-hint').hidden = true;
     shownInk = points;
     renderGauges();
@@ -319,7 +337,7 @@
     const last = shownInk.at(-1);
     find('gauge-points').textContent = shownInk.length;
     find('gauge-strokes').textContent = strokes;
-    find('gauge-pressure').value = last && !last.strokeEnd ? last.pressure / STRONGEST_PRESSURE : 0;
+    find('gauge-pressure').value = session && last && !last.strokeEnd ? last.pressure / STRONGEST_PRESSURE : 0;
     find('gauge-time').textContent =
       t('seconds', { value: (stopwatch ? (stopwatch.last - stopwatch.first) / 1000 : 0).toFixed(1) });
     find('ink').setAttribute('aria-label',
@@ -328,23 +346,29 @@
 
   function renderButtons() {
     const isEmpty = shownInk.length === 0;
+    const isDecided = !session || session.decided.signal.aborted;
     find('start').hidden = session !== null || said.notice !== null;
     find('live').hidden = !session?.isOpen;
     find('models').disabled = session !== null;
-    find('clear').disabled = find('confirm').disabled = !session?.isOpen || session.isClearing || isEmpty;
-    find('cancel').disabled = !session;
+    find('clear').disabled = find('confirm').disabled = isDecided || !session.isOpen || session.isClearing || isEmpty;
+    find('cancel').disabled = isDecided;
   }
 
-  async function showFacts() {
-    const facts = [
-      ['factVersion', await pad.versionID()], ['factPad', await pad.padID()], ['factPen', await pad.penID()],
-      ['factAbout', await pad.getAboutInfo()],
-    ];
-    find('facts').replaceChildren(...facts.flatMap(([key, value]) => {
-      const term = Object.assign(document.createElement('dt'), { textContent: t(key) });
-      term.dataset.t = key;
-      return [term, Object.assign(document.createElement('dd'), { textContent: value || '–' })];
-    }));
+  const factsOfPad = async () => [
+    ['factVersion', await pad.versionID()], ['factPad', await pad.padID()], ['factPen', await pad.penID()],
+    ['factAbout', await pad.getAboutInfo()],
+  ];
+
+  /** None while no pad is open. */
+  function showFacts(facts) {
+    const term = (key) => {
+      const element = Object.assign(document.createElement('dt'), { textContent: t(key) });
+      element.dataset.t = key;
+      return element;
+    };
+    const value = (textContent) => Object.assign(document.createElement('dd'), { textContent });
+    const rows = facts.flatMap(([key, words]) => [term(key), value(words || '–')]);
+    find('facts').replaceChildren(...rows.length > 0 ? rows : [term('noPadYet')]);
   }
 
   // ---- Start -------------------------------------------------------------------------------------------------------
@@ -364,7 +388,7 @@
   find('theme').addEventListener('click', toggleTheme);
   find('service').addEventListener('submit', (event) => {
     event.preventDefault();
-    connect();
+    if (wish?.port !== find('port').valueAsNumber || !pad?.connected) connect();
   });
   find('connect').addEventListener('click', () => {
     if (wish?.port === find('port').valueAsNumber) disconnect();
@@ -373,12 +397,18 @@
   find('port').addEventListener('input', renderWords);
   find('start').addEventListener('click', sign);
   find('clear').addEventListener('click', () => clear().catch(explain));
-  find('cancel').addEventListener('click', () => session?.decided.abort('cancel'));
-  find('confirm').addEventListener('click', () => session?.decided.abort('confirm'));
-  find('notice-action').addEventListener('click', () => said.notice?.act());
+  find('cancel').addEventListener('click', () => {
+    status('statusCancelling');
+    decide('cancel');
+  });
+  find('confirm').addEventListener('click', () => decide('confirm'));
+  find('notice-action').addEventListener('click', () => {
+    said.notice?.act();
+    rescueFocus('paper');
+  });
   find('models').addEventListener('change', () => {
     store('model', chosenModel());
-    extras.update({ model: chosenModel(), isOpen: false });
+    extras.update({ model: chosenModel() });
   });
   for (const id of ['pen-width', 'colors', 'pen-pressure']) {
     find(id).addEventListener('input', () => applyPen().catch(explain));

@@ -12,7 +12,7 @@
   const MODELS_WITH_FINGERPRINT = new Set(['Cedar']);
 
   /** What the page is about at the moment; demo.js hands it over at each change. */
-  let now = { pad: null, model: 'Alder', size: { width: 0, height: 0 }, isOpen: false, signature: null };
+  let now = { pad: null, model: 'Alder', size: { width: 0, height: 0 }, openModel: null, signature: null };
 
   /** The form shows the settings of the chosen application: until then they can be neither changed nor saved. */
   let areSettingsLoaded = false;
@@ -100,7 +100,8 @@
   }
 
   function render() {
-    const { pad, model, isOpen, signature } = now;
+    const { pad, model, openModel, signature } = now;
+    const isOpen = openModel === model;
     const hasLcd = MODELS_WITH_LCD.has(model);
     find('wps-apps').disabled = !pad;
     for (const id of WPS_SETTINGS) find(id).disabled = !pad || !areSettingsLoaded;
@@ -113,10 +114,20 @@
     find('fingerprint-get').disabled = find('fingerprint-show').disabled = !isOpen;
   }
 
+  /** What was told and shown of the signature before, that of another person perhaps. */
+  function forgetSignature() {
+    wpsStatus();
+    padStatus();
+    fingerprintStatus();
+    find('fingerprint-picture').hidden = true;
+    find('fingerprint-picture').removeAttribute('src');
+  }
+
   /** Takes over what changed; a new connection brings its own settings. */
   function update(changes) {
     const isNewPad = changes.pad && changes.pad !== now.pad;
     now = { ...now, ...changes };
+    if (changes.signature === null) forgetSignature();
     render();
     if (isNewPad) attempt(wpsStatus, loadSettings);
   }

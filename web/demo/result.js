@@ -47,6 +47,7 @@
   function choose(format) {
     chosen = format;
     render();
+    find(`tab-${chosen.name}`).focus(); // the tabs were made anew
   }
 
   /** Arrow keys walk through the tabs, as in any list of tabs. */
@@ -55,7 +56,6 @@
     if (!step) return;
     const there = available();
     choose(there[(there.indexOf(chosen) + step + there.length) % there.length]);
-    find(`tab-${chosen.name}`).focus();
     event.preventDefault();
   }
 

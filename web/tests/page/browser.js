@@ -59,10 +59,11 @@ export async function openPage(context, url, port) {
 }
 
 /**
- * What a picture of the page holds: its size, the box around its ink in its own pixels, and whether there is ink near
- * each of the places.
+ * What a picture of the page holds: its size, the box around its ink in its own pixels, whether there is ink near each
+ * of the places, and the colour of its upper left pixel.
  */
-export const inkOf = (page, selector, places = []) => page.locator(selector).evaluate((element, wanted) => {
+export const inkOf = (page, selector, places = []) => page.locator(selector).evaluate(async (element, wanted) => {
+  await element.decode?.();
   const canvas = document.createElement('canvas');
   const width = canvas.width = element.naturalWidth ?? element.width;
   const height = canvas.height = element.naturalHeight ?? element.height;
@@ -84,5 +85,5 @@ export const inkOf = (page, selector, places = []) => page.locator(selector).eva
     box.bottom = Math.max(box.bottom, y);
     wanted.forEach(([left, top], i) => { near[i] ||= Math.abs(left - x) < 8 && Math.abs(top - y) < 8; });
   }
-  return { width, height, pixels, box, near };
+  return { width, height, pixels, box, near, corner: data.slice(0, 4).join() };
 }, places);

@@ -133,7 +133,8 @@ export async function startService(desktop, { port, virtual = {}, hasPad = true 
     stdio: ['ignore', 'inherit', 'inherit'],
   });
   await until(async () => {
-    if (program.exitCode !== null) throw new Error(`the program ended (${program.exitCode}): does another copy run?`);
+    const end = program.exitCode ?? program.signalCode;
+    if (end !== null) throw new Error(`the program ended (${end}): does another copy run?`);
     return accepts(port);
   }, 'the service to listen');
   return {

@@ -7,6 +7,7 @@ import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
 import WebSocket from 'ws';
 import { SignPad } from '../../signpad.js';
+import { reply, startMockService } from '../mock-service.js';
 import { FILE_PAGE, inkOf, openPage, servePage, startBrowser } from './browser.js';
 import { drawStroke, freePort, padWindow, pressKey, startDesktop, startService, until, xdotool } from './desktop.js';
 
@@ -106,6 +107,7 @@ describe('a whole capture', () => {
       const picture = await inkOf(page, '#picture');
       assert.equal(`${picture.width} × ${picture.height}`, '800 × 480');
       assert.ok(picture.pixels > 5000 && picture.pixels < 20_000, `${picture.pixels} pixels of ink`);
+      assert.equal(picture.corner, '0,0,0,0');
       const png = await download(page);
       assert.equal(png.name, 'signature.png');
       assert.equal(png.bytes.subarray(0, 8).toString('latin1'), '\x89PNG\r\n\x1a\n');
@@ -113,7 +115,8 @@ describe('a whole capture', () => {
       await keepScreenshot(page, `page-signed-${from.slice(0, 4)}.png`, { fullPage: true });
 
       await page.getByRole('tab', { name: 'PNG on white' }).click();
-      await until(async () => (await inkOf(page, '#picture')).pixels > 5000, 'the picture on white');
+      await until(async () => (await inkOf(page, '#picture')).corner === '255,255,255,255', 'the picture on white');
+      assert.ok((await inkOf(page, '#picture')).pixels > 5000);
       assert.equal((await download(page)).name, 'signature-white.png');
 
       await page.getByRole('tab', { name: 'SVG' }).click();
@@ -207,9 +210,11 @@ describe('a whole capture', () => {
     assert.ok(await points(page) < 600);
     assert.ok(presses.filter((name) => name === 'Confirm').length <= 4, 'the focus went on from where it was');
     await page.locator('#facts').getByText('VP-BIRCH').waitFor();
-    await page.getByRole('tab', { name: 'PNG', exact: true }).focus();
+    await page.getByRole('tab', { name: 'PNG', exact: true }).click();
     await page.keyboard.press('ArrowRight');
     await page.getByRole('tab', { name: 'PNG on white', selected: true }).waitFor();
+    await page.keyboard.press('ArrowRight');
+    await page.getByRole('tab', { name: 'SVG', selected: true }).waitFor();
   });
 });
 
@@ -232,13 +237,16 @@ describe('on the way to a signature', () => {
   });
 
   test('clearing empties the pad, and signing goes on', async (t) => {
-    const { port } = await service(t, { virtual: { SPEED: '0.5' } });
+    const { port } = await service(t, { virtual: { SPEED: '0.1' } });
     const page = await visit(t, web.page, port);
     await button(page, 'Start signing').click();
     await until(async () => await points(page) > 60, 'ink');
-    await button(page, 'Clear').click();
+    await button(page, 'Clear').focus();
+    await page.keyboard.press('Enter');
     await until(async () => await points(page) < 30, 'an empty pad');
     await until(async () => await points(page) > 60, 'ink again');
+    assert.equal(await status(page).textContent(), 'The pad is empty again.');
+    assert.equal(await page.evaluate(() => document.activeElement.closest('#sign') !== null), true, 'the focus is lost');
   });
 
   test('a service that stops in the middle is told, and found again when it is back', async (t) => {
@@ -249,7 +257,7 @@ describe('on the way to a signature', () => {
     await first.stop('SIGKILL');
     await notice(page, 'The connection was lost');
     await page.getByText('Connecting again…').waitFor();
-    assert.equal(await button(page, 'Confirm').isDisabled(), true);
+    await until(() => button(page, 'Confirm').isDisabled(), 'the end of the signing');
     await keepScreenshot(page, 'page-lost.png');
     await service(t, { port: first.port, virtual: { SPEED: '0' } });
     await notice(page, 'Ready to sign');
@@ -273,6 +281,66 @@ describe('on the way to a signature', () => {
     await page.getByText('Rowan', { exact: true }).click();
     await button(page, 'Start signing').click();
     await notice(page, 'No Rowan pad found');
+  });
+});
+
+describe('with a pad that takes its time', () => {
+  /** A service with three points on its pad; `answer` may hold a reply back, or answer otherwise. */
+  async function slowPad(t, answer) {
+    const [point, last] = ['0', '1'].map((bStrokeEnd) => ({ Time: 'a', bStrokeEnd, pressure: '500', x: '90', y: '90' }));
+    const results = { InitialDevice: '1', UninitialDevice: '1', IsValid: '1', GetSize: '3',
+      GetDeviceConfirmOrCancelKeyStatus: '-1', GetPointer: JSON.stringify([point, point, last]),
+      GetWPSSettings: '{"EnableDateTime":"0","EnableAutoFit":"0","CurrentPenWidth":"3","Name":""}' };
+    const mock = await startMockService(async (request) => {
+      const [api] = request.split('?');
+      const result = results[api] ?? (/^(Encode|Get)/.test(api) ? '' : '0');
+      return await answer(api) === false ? undefined : reply(api, result);
+    });
+    t.after(() => mock.stop());
+    const page = await visit(t, FILE_PAGE, mock.port);
+    await button(page, 'Start signing').click();
+    await until(async () => await points(page) === 3, 'ink');
+    return { page, mock };
+  }
+
+  test('a cancelling that fails is told as it is', async (t) => {
+    let isStuck = false;
+    const { page } = await slowPad(t, (api) => !(isStuck && api === 'Clear'));
+    isStuck = true;
+    await button(page, 'Cancel').click();
+    await says(page, 'Cancelling…');
+    await until(() => button(page, 'Cancel').isDisabled(), 'the decision');
+    await notice(page, 'That did not work');
+    assert.equal(await status(page).textContent(), '');
+  });
+
+  test('a connection that breaks while the pad is released is told, not a cancelling', async (t) => {
+    let mock;
+    let isStuck = false;
+    const pad = await slowPad(t, (api) => {
+      if (!isStuck || api !== 'Clear') return undefined;
+      mock.dropClients();
+      return new Promise(() => undefined);
+    });
+    ({ mock } = pad);
+    isStuck = true;
+    await button(pad.page, 'Cancel').click();
+    await notice(pad.page, 'Ready to sign'); // connected anew
+    assert.equal(await status(pad.page).filter({ hasText: 'Cancelled' }).count(), 0);
+    isStuck = false;
+    await button(pad.page, 'Start signing').click();
+    await until(async () => await points(pad.page) === 3, 'ink again');
+  });
+
+  test('nothing disturbs the fetching of the result', async (t) => {
+    let letGo;
+    const held = new Promise((resolve) => { letGo = resolve; });
+    const { page } = await slowPad(t, (api) => api === 'Encode' ? held : undefined);
+    await button(page, 'Confirm').click();
+    for (const name of ['Confirm', 'Clear', 'Cancel']) await until(() => button(page, name).isDisabled(), name);
+    letGo();
+    await says(page, 'Signed: 3 points in 1 stroke.');
+    assert.equal(await page.locator('#gauge-pressure').evaluate(({ value }) => value), 0);
   });
 });
 
@@ -377,7 +445,7 @@ describe('two tabs', () => {
     const first = await visit(t, web.page, port);
     const second = await visit(t, FILE_PAGE, port);
     await pressIn(first, 'Start signing');
-    await until(async () => await points(first) > 20, 'ink in the first tab');
+    await until(async () => await points(first) > 60, 'ink in the first tab');
     await pressIn(second, 'Start signing');
     await says(first, 'Another page cleared or reopened the pad.');
     for (const page of [first, second]) await until(async () => await points(page) > 60, 'the common ink');
@@ -438,6 +506,18 @@ describe('beside the signing', () => {
     await until(async () => (await inkOf(page, '#fingerprint-picture')).pixels > 500, 'the fingerprint');
     await button(page, 'Fetch the fingerprint').click();
     await page.getByText('No fingerprint, or the same one as before.').waitFor();
+
+    await button(page, 'Sign again').click();
+    await says(page, 'Signed: 600 points in 4 strokes.');
+    assert.equal(await page.locator('#fingerprint-picture').isVisible(), false, 'it may be of another person');
+    assert.equal(await page.locator('#fingerprint-status').textContent(), '');
+
+    // The pad that was chosen stays open while another model is looked at.
+    await page.getByText('Rowan', { exact: true }).click();
+    await until(() => button(page, 'Make the picture').isDisabled(), 'the other model');
+    await page.getByText('Cedar', { exact: true }).click();
+    await until(() => button(page, 'Fetch the fingerprint').isEnabled(), 'the open pad');
+    assert.equal(await button(page, 'Make the picture').isEnabled(), true);
   });
 
   test('the page speaks the language of the browser, and the other one on request', async (t) => {
@@ -466,7 +546,6 @@ describe('beside the signing', () => {
     assert.equal(words.scrollHeight, words.clientHeight);
     assert.equal(paper.scrollHeight, paper.clientHeight);
     await service(t, { port, virtual: { SPEED: '0' } });
-    await button(page, 'Try again').click();
     await button(page, 'Start signing').click();
     await says(page, 'Signed: 600 points in 4 strokes.');
     assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 390);
