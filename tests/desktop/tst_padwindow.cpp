@@ -314,8 +314,8 @@ void PadWindowTest::stopAndStartService(BusyHand *pHand)
     QVERIFY(m_client->connectTo(m_port));
 }
 
-/// Takes five seconds, or MVSIGNPAD_STRESS_SECONDS. Each round opens the five models one upon the other and ends each
-/// in another way.
+/// Takes five seconds, or MVSIGNPAD_STRESS_SECONDS, and longer until a pad was written on and a window closed. Each
+/// round opens the five models one upon the other and ends each in another way.
 void PadWindowTest::everythingHappensWhileTheHandWrites()
 {
     enum Ending { Replaced, Closed, Unloaded, ServiceStopped };
@@ -334,7 +334,8 @@ void PadWindowTest::everythingHappensWhileTheHandWrites()
     int points = 0;
     QElapsedTimer timer;
     timer.start();
-    for (; rounds == 0 || timer.elapsed() < seconds * 1000; ++rounds) {
+    const auto isDone = [&] { return points > 0 && closed > 0; };
+    for (; timer.elapsed() < seconds * 1000 || (!isDone() && timer.elapsed() < patienceMs); ++rounds) {
         std::shuffle(models.begin(), models.end(), random);
         std::shuffle(endings.begin(), endings.end(), random);
         for (size_t i = 0; i < models.size(); ++i) {
