@@ -152,7 +152,7 @@
     pad.addEventListener('message', ({ detail }) => log.add(detail));
     pad.addEventListener('disconnect', () => {
       session?.decided.abort('leave');
-      extras.update({ pad: null, openModel: null });
+      forgetPad({ pad: null });
       say({ service: ['stateLost', 'bad'], status: null });
     });
     pad.addEventListener('reconnecting', ({ detail: { attempt, delay } }) => say({
@@ -160,6 +160,12 @@
     }));
     pad.addEventListener('reconnect', ready);
     ready();
+  }
+
+  /** No pad is open any more, as far as the page knows. */
+  function forgetPad(changes) {
+    extras.update({ openModel: null, ...changes });
+    showFacts([]);
   }
 
   function ready() {
@@ -177,7 +183,7 @@
     wish = null;
     pad?.close();
     pad = null;
-    extras.update({ pad: null, openModel: null });
+    forgetPad({ pad: null });
     say({ service: ['stateClosed', 'off'], notice: { name: 'closed', action: 'connect', act: connect }, status: null });
   }
 
@@ -233,8 +239,7 @@
     rescueFocus('paper');
     showInk([]);
     result.show(null);
-    showFacts([]);
-    extras.update({ openModel: null, signature: null });
+    forgetPad({ signature: null });
     await pad.open({ model: Model[chosenModel()], ...PAD_SIZE });
     session.isOpen = true;
     await applyPen();
@@ -281,8 +286,7 @@
     await pad.clear();
     await pad.uninitialDevice();
     showInk([]);
-    showFacts([]);
-    extras.update({ openModel: null });
+    forgetPad();
     say({ status: ['statusCancelled'], notice: idleNotice() });
   }
 
@@ -309,7 +313,8 @@
     if (!(error instanceof SignPadError)) throw error;
     if (error.code === 'connection-lost') return status(null); // the connection speaks for itself
     const name = error.code === 'pad-missing' ? (session?.isOpen ? 'padGone' : 'padMissing') : 'failed';
-    extras.update({ openModel: null });
+    forgetPad();
+    decide('leave'); // what fails beside the signing ends it, too
     say({
       status: null,
       notice: { name, tone: 'bad', action: 'start', act: sign, values: { model: chosenModel() },

@@ -285,7 +285,7 @@ describe('on the way to a signature', () => {
 });
 
 describe('with a pad that takes its time', () => {
-  /** A service with three points on its pad; `answer` may hold a reply back, or answer otherwise. */
+  /** A service with three points on its pad; `answer` may hold a reply back, answer otherwise, or never (false). */
   async function slowPad(t, answer) {
     const [point, last] = ['0', '1'].map((bStrokeEnd) => ({ Time: 'a', bStrokeEnd, pressure: '500', x: '90', y: '90' }));
     const results = { InitialDevice: '1', UninitialDevice: '1', IsValid: '1', GetSize: '3',
@@ -294,24 +294,38 @@ describe('with a pad that takes its time', () => {
     const mock = await startMockService(async (request) => {
       const [api] = request.split('?');
       const result = results[api] ?? (/^(Encode|Get)/.test(api) ? '' : '0');
-      return await answer(api) === false ? undefined : reply(api, result);
+      const other = await answer(api);
+      return other === false ? undefined : other ?? reply(api, result);
     });
     t.after(() => mock.stop());
     const page = await visit(t, FILE_PAGE, mock.port);
     await button(page, 'Start signing').click();
-    await until(async () => await points(page) === 3, 'ink');
+    await until(() => button(page, 'Confirm').isEnabled(), 'ink');
     return { page, mock };
   }
 
   test('a cancelling that fails is told as it is', async (t) => {
     let isStuck = false;
-    const { page } = await slowPad(t, (api) => !(isStuck && api === 'Clear'));
+    const { page } = await slowPad(t, (api) => isStuck && api === 'Clear' ? false : undefined);
     isStuck = true;
     await button(page, 'Cancel').click();
     await says(page, 'Cancelling…');
     await until(() => button(page, 'Cancel').isDisabled(), 'the decision');
     await notice(page, 'That did not work');
     assert.equal(await status(page).textContent(), '');
+  });
+
+  test('a pen that is refused ends the signing, and another can begin', async (t) => {
+    let refused;
+    const { page } = await slowPad(t, (api) => api === refused ? reply('Invalid API request', '-1') : undefined);
+    refused = 'SetPenWidth';
+    await page.getByRole('slider', { name: 'Width' }).fill('7');
+    await notice(page, 'That did not work');
+    refused = undefined;
+    await button(page, 'Start signing').click();
+    await until(() => page.locator('#notice').isHidden(), 'the next signing');
+    await button(page, 'Confirm').click();
+    await says(page, 'Signed: 3 points in 1 stroke.');
   });
 
   test('a connection that breaks while the pad is released is told, not a cancelling', async (t) => {
@@ -329,7 +343,7 @@ describe('with a pad that takes its time', () => {
     assert.equal(await status(pad.page).filter({ hasText: 'Cancelled' }).count(), 0);
     isStuck = false;
     await button(pad.page, 'Start signing').click();
-    await until(async () => await points(pad.page) === 3, 'ink again');
+    await until(() => button(pad.page, 'Confirm').isEnabled(), 'ink again');
   });
 
   test('nothing disturbs the fetching of the result', async (t) => {
