@@ -19,8 +19,11 @@ jobs=$(nproc)
 check_address() {
     cmake -S . -B build-address -G Ninja -DMVSIGNPAD_SANITIZE=address,undefined >/dev/null
     cmake --build build-address
-    MVSIGNPAD_STRESS_SECONDS=60 \
-        ctest --test-dir build-address --output-on-failure --parallel $((2 * jobs)) -L '^(unit|sdk|desktop|faults)$'
+    local -x MVSIGNPAD_STRESS_SECONDS=60
+    local run=(ctest --test-dir build-address --output-on-failure --parallel $((2 * jobs)))
+    "${run[@]}" -L '^(unit|sdk)$'
+    # A desktop may miss its time on a busy machine, as in scripts/test.sh.
+    "${run[@]}" -L '^(desktop|faults)$' --repeat until-pass:2
 }
 
 # What runs on several threads: the service's thread beside its owner's, pushes from foreign threads, the log.

@@ -198,10 +198,13 @@ bool DesktopSession::startBus()
     const QString socket = m_directory.filePath(QStringLiteral("bus"));
     const QString configuration = m_directory.filePath(QStringLiteral("bus.conf"));
     m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=") + socket);
-    return writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8())
-           && startHelper(QStringLiteral("dbus-daemon"),
-                          {QStringLiteral("--nofork"), QStringLiteral("--config-file=") + configuration})
-           && QTest::qWaitFor([socket] { return QFile::exists(socket); }, patienceMs)
+    if (!writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8()))
+        return false;
+    // It tells its address once it takes connections; its socket is there a moment earlier.
+    QProcess *bus = startHelper(QStringLiteral("dbus-daemon"),
+                                {QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
+                                 QStringLiteral("--config-file=") + configuration});
+    return bus && QTest::qWaitFor([bus] { return bus->canReadLine(); }, patienceMs)
            && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
 }
 

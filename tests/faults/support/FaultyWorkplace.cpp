@@ -28,7 +28,7 @@ bool FaultyWorkplace::start(const QStringList &wrapper)
         return m_program->start();
     m_program->process().start(wrapper.first(), wrapper.mid(1)
                                                     << file(QFileInfo(QStringLiteral(MVSIGNPAD_PROGRAM)).fileName()));
-    return m_program->process().waitForStarted(5000);
+    return m_program->process().waitForStarted(patienceMs);
 }
 
 bool FaultyWorkplace::startServing(const QStringList &wrapper)
