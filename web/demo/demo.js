@@ -17,11 +17,7 @@
   const view = new InkView(find('ink'));
   let pad = null;
   let wish = null; // aborted when the wish to be connected ends
-  /**
-   * While signing: `decided` is aborted with 'confirm', 'cancel' or 'leave', `seen` is the number of points that the pad
-   * had at the last look.
-   */
-  let session = null;
+  let session = null; // while signing; `decided` is aborted with 'confirm', 'cancel' or 'leave'
   let shownInk = [];
   let stopwatch = null; // {first, last} in milliseconds: when the first and the latest ink came
 
@@ -30,13 +26,14 @@
   /** Keeps what was said by its key, so that a switch of the language says it again. */
   const said = { status: null, notice: null, service: ['stateConnecting', 'connecting'] };
 
+  const wishesThisPort = () => wish?.port === find('port').valueAsNumber;
+
   function renderWords() {
     const { status, notice, service: [stateKey, lamp] } = said;
     find('status').textContent = status ? t(...status) : '';
     find('service-state').textContent = t(stateKey);
     find('lamp').dataset.state = lamp;
-    const wishesThisPort = wish?.port === find('port').valueAsNumber;
-    find('connect').textContent = t(!wishesThisPort ? 'connect' : pad?.connected ? 'disconnect' : 'stopTrying');
+    find('connect').textContent = t(!wishesThisPort() ? 'connect' : pad?.connected ? 'disconnect' : 'stopTrying');
     find('notice').hidden = !notice;
     if (!notice) return;
     find('notice').dataset.tone = notice.tone ?? 'calm';
@@ -205,7 +202,7 @@
 
   async function sign() {
     if (session || !pad?.connected) return;
-    session = { decided: new AbortController(), isOpen: false, isClearing: false, seen: 0 };
+    session = { decided: new AbortController(), isOpen: false, isClearing: false };
     renderButtons();
     try {
       await inTurn(session.decided.signal, follow);
@@ -253,8 +250,7 @@
   /** Returns what a key of the pad decided, undefined when the page decided. */
   async function followPen(signal) {
     for await (const { points, key } of pad.watch({ signal })) {
-      if (points.length < session.seen) status('statusTaken');
-      session.seen = points.length;
+      if (points.length < shownInk.length) status('statusTaken');
       showInk(points);
       const decision = { [KeyStatus.confirm]: 'confirm', [KeyStatus.cancel]: 'cancel' }[key];
       if (decision === 'confirm' && points.length === 0) await refuseEmpty();
@@ -297,7 +293,6 @@
     try {
       await pad.clear();
       if (clearing.decided.signal.aborted) return;
-      clearing.seen = 0;
       showInk([]);
       status('statusCleared');
     } finally {
@@ -393,10 +388,10 @@
   find('theme').addEventListener('click', toggleTheme);
   find('service').addEventListener('submit', (event) => {
     event.preventDefault();
-    if (wish?.port !== find('port').valueAsNumber || !pad?.connected) connect();
+    if (!wishesThisPort() || !pad?.connected) connect();
   });
   find('connect').addEventListener('click', () => {
-    if (wish?.port === find('port').valueAsNumber) disconnect();
+    if (wishesThisPort()) disconnect();
     else connect();
   });
   find('port').addEventListener('input', renderWords);
