@@ -1,6 +1,6 @@
-#include "app/DetectSigngleInstance.h"
-#include "app/Logging.h"
-#include "app/RuntimeSettings.h"
+#include "tray/DetectSigngleInstance.h"
+#include "base/Logging.h"
+#include "base/RuntimeSettings.h"
 #include "tray/SysTrayMenuMgr.h"
 
 #include <QApplication>

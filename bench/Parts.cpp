@@ -1,6 +1,6 @@
 // The parts of a reply one by one, each beside the same work of the library.
 
-#include "app/JsonText.h"
+#include "base/JsonText.h"
 #include "bench/Work.h"
 #include "device/InkJson.h"
 #include "service/UrlParameters.h"

@@ -1,6 +1,6 @@
 // The service as the program runs it, without the tray: "ServiceHost PORT", until standard input ends.
 
-#include "app/RuntimeSettings.h"
+#include "base/RuntimeSettings.h"
 #include "bench/Work.h"
 #include "service/WebSocketService.h"
 #include "service/WebSocketThread.h"

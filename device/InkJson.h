@@ -1,7 +1,7 @@
 // The JSON texts in which ink travels to the clients.
 #pragma once
 
-#include "app/JsonText.h"
+#include "base/JsonText.h"
 #include "sdk/SdkFunctions.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 #include "device/InkJson.h"
 #include "device/SdkBinding.h"
 #include "device/SdkTexts.h"

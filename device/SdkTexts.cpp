@@ -1,6 +1,6 @@
 #include "device/SdkTexts.h"
 
-#include "app/JsonText.h"
+#include "base/JsonText.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,6 @@
 #include "device/SignObjManager.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 #include "device/SignObjAlder.h"
 #include "device/SignObjBirch.h"
 #include "device/SignObjCedar.h"

@@ -1,6 +1,6 @@
 #include "device/WpsPicture.h"
 
-#include "app/QtCompat.h"
+#include "base/QtCompat.h"
 
 #include <QPainter>
 

@@ -5,8 +5,12 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 . scripts/packages.sh
+. scripts/rooms.sh
 install_missing "${build_packages[@]}" "${lint_packages[@]}"
 CXX=clang++ cmake -S . -B build-clang -G Ninja -DBUILD_TESTING=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
 cmake --build build-clang
 tests/qt59/selftest.py build-clang
-scripts/qt59/check.py build-clang {app,device,service,tools,tray,virtualpad}/*.cpp
+shopt -s nullglob
+sources=()
+for room in "${product_rooms[@]}"; do sources+=("$room"/*.cpp); done
+scripts/qt59/check.py build-clang "${sources[@]}"

@@ -11,6 +11,7 @@ steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=(address thread analysis fuzz soak)
 
 . scripts/packages.sh
+. scripts/rooms.sh
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
 jobs=$(nproc)
 
@@ -39,7 +40,7 @@ check_thread() {
 # The product's sources, as the fuzz build compiles them.
 product_sources() {
     grep -o '"file": "[^"]*"' build-fuzz/compile_commands.json | cut -d'"' -f4 |
-        grep -E "^$PWD/(app|device|service|tray|tools|virtualpad)/" | sort -u
+        grep -E "^$PWD/($product_rooms_pattern)/" | sort -u
 }
 
 check_analysis() {
@@ -51,13 +52,14 @@ check_analysis() {
     cppcheck --quiet --error-exitcode=1 --inline-suppr --std=c++17 --library=qt -I . \
         --enable=warning,performance,portability --suppress=missingIncludeSystem \
         --suppress=passedByValue -j "$jobs" \
-        app device service tray tools virtualpad
+        "${product_rooms[@]}"
     product_sources | xargs -P "$jobs" -n 1 clazy-standalone -p build-fuzz --checks=level1 \
-        --header-filter="^$PWD/(app|device|sdk|service|tray|tools|virtualpad)/" >build-fuzz/clazy.txt 2>&1 || true
+        --header-filter="^$PWD/($product_rooms_pattern)/" >build-fuzz/clazy.txt 2>&1 || true
     if grep -E '\[-Wclazy|error:' build-fuzz/clazy.txt; then
         return 1
     fi
-    product_sources | xargs -P "$jobs" -n 1 clang-tidy -p build-fuzz --quiet 2>/dev/null
+    product_sources | xargs -P "$jobs" -n 1 clang-tidy -p build-fuzz --quiet \
+        --header-filter="^$PWD/($product_rooms_pattern)/" 2>/dev/null
 }
 
 check_fuzz() { scripts/fuzz.sh 60; }

@@ -1,6 +1,6 @@
 #include "service/UrlParameters.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 
 #include <QStringRef>
 

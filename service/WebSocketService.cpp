@@ -1,8 +1,8 @@
 #include "service/WebSocketService.h"
 
-#include "app/JsonText.h"
-#include "app/Logging.h"
-#include "app/QtCompat.h"
+#include "base/JsonText.h"
+#include "base/Logging.h"
+#include "base/QtCompat.h"
 #include "device/InkJson.h"
 #include "device/SignObjManager.h"
 #include "device/SignPadEvents.h"

@@ -1,6 +1,6 @@
 #include "service/WebSocketThread.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 #include "service/WebSocketService.h"
 
 #include <QAbstractEventDispatcher>

@@ -1,7 +1,7 @@
 #include "service/WpsSettings.h"
 
-#include "app/Logging.h"
-#include "app/SettingsFile.h"
+#include "base/Logging.h"
+#include "base/SettingsFile.h"
 
 namespace {
 

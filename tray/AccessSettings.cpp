@@ -1,6 +1,6 @@
 #include "tray/AccessSettings.h"
 
-#include "app/SettingsFile.h"
+#include "base/SettingsFile.h"
 #include "tray/TraySettings.h"
 
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 #include "tray/CheckSysTrayThread.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 #include "tray/StartOver.h"
 #include "tray/StatusNotifierHost.h"
 

@@ -1,6 +1,6 @@
 #include "tray/SysTrayMenuMgr.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 #include "service/WebSocketThread.h"
 #include "tray/AccessSettings.h"
 #include "tray/CheckSysTrayThread.h"

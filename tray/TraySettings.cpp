@@ -1,6 +1,6 @@
 #include "tray/TraySettings.h"
 
-#include "app/SettingsFile.h"
+#include "base/SettingsFile.h"
 #include "tray/AccessSettings.h"
 #include "tray/DesktopVariant.h"
 

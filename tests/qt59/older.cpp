@@ -14,7 +14,7 @@
 #include <QWebSocket>
 #include <QWebSocketServer>
 
-#include "app/QtCompat.h"
+#include "base/QtCompat.h"
 
 class Uncopied
 {

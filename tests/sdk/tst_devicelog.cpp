@@ -1,8 +1,8 @@
 /// The log lines of the device layer, whole lines with the tick masked. Where a line carries a name that is not its
 /// operation's, that is how it is meant to be.
 
-#include "app/Logging.h"
-#include "app/QtCompat.h"
+#include "base/Logging.h"
+#include "base/QtCompat.h"
 #include "device/SignObjAlder.h"
 #include "device/SignObjManager.h"
 #include "tests/sdk/support/DeviceLog.h"

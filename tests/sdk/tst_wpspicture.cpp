@@ -1,7 +1,7 @@
 /// The WPS signature picture, compared pixel by pixel with pictures that this file composes out of the layout:
 /// name band on top, drawing flush right below it, date band at the bottom.
 
-#include "app/QtCompat.h"
+#include "base/QtCompat.h"
 #include "tests/sdk/support/ModelTestCase.h"
 
 #include <QBuffer>

@@ -1,4 +1,4 @@
-#include "app/DetectSigngleInstance.h"
+#include "tray/DetectSigngleInstance.h"
 
 #include <QElapsedTimer>
 #include <QFile>

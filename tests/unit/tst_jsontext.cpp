@@ -1,5 +1,5 @@
 // Texts written in place must read exactly as the JSON document of Qt writes them.
-#include "app/JsonText.h"
+#include "base/JsonText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

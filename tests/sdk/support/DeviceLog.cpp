@@ -1,6 +1,6 @@
 #include "tests/sdk/support/DeviceLog.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 #include "tests/sdk/support/SdkTestCase.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 
 #include <QDir>
 

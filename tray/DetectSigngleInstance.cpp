@@ -1,6 +1,6 @@
-#include "app/DetectSigngleInstance.h"
+#include "tray/DetectSigngleInstance.h"
 
-#include "app/Logging.h"
+#include "base/Logging.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

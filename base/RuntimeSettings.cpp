@@ -1,4 +1,4 @@
-#include "app/RuntimeSettings.h"
+#include "base/RuntimeSettings.h"
 
 #include <QByteArray>
 

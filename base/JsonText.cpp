@@ -1,4 +1,4 @@
-#include "app/JsonText.h"
+#include "base/JsonText.h"
 
 #include <algorithm>
 #include <charconv>
