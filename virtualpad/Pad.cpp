@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+using namespace sdk;
+
 namespace virtualpad {
 
 namespace {
@@ -56,14 +58,14 @@ void Pad::clear()
     if (m_signedByHand)
         m_ink.clear();
     m_writing.start();
-    m_pressedKey = NoKey;
-    m_reportedKey = NoKey;
+    m_pressedKey = SIGNPAD_NO_BUTTON;
+    m_reportedKey = SIGNPAD_NO_BUTTON;
     m_reportedPoints = 0;
 }
 
 bool Pad::write(const QPoint &point, int pressure)
 {
-    if (!m_signedByHand || !lcdOn || m_pressedKey != NoKey || m_ink.size() >= kMaxInkPoints)
+    if (!m_signedByHand || !lcdOn || m_pressedKey != SIGNPAD_NO_BUTTON || m_ink.size() >= kMaxInkPoints)
         return false;
     if (m_ink.isEmpty())
         m_writing.start();
@@ -77,7 +79,7 @@ void Pad::liftPen()
         m_ink.last().strokeEnd = true;
 }
 
-void Pad::pressKey(KeyStatus key)
+void Pad::pressKey(KeyEvent key)
 {
     if (m_signedByHand)
         m_pressedKey = key;
@@ -99,11 +101,11 @@ const InkPoint *Pad::inkPoint(int index) const
     return isWithin(index, 0, inkCount() - 1) ? &m_ink[index] : nullptr;
 }
 
-KeyStatus Pad::keyStatus() const
+KeyEvent Pad::keyStatus() const
 {
     if (m_signedByHand)
         return m_pressedKey;
-    return !m_ink.isEmpty() && inkCount() == m_ink.size() ? ConfirmKey : NoKey;
+    return !m_ink.isEmpty() && inkCount() == m_ink.size() ? SIGNPAD_ENTER_BUTTON : SIGNPAD_NO_BUTTON;
 }
 
 ResultCode Pad::setPenWidth(int width)
@@ -170,10 +172,10 @@ ResultCode Pad::setPictureCallback(int type, PictureCallback pfnPicture)
 News Pad::takeNews()
 {
     News news;
-    const KeyStatus key = keyStatus();
+    const KeyEvent key = keyStatus();
     if (key != m_reportedKey) {
         news.key = key;
-        news.pfnKey = key == NoKey ? nullptr : m_pfnKey;
+        news.pfnKey = key == SIGNPAD_NO_BUTTON ? nullptr : m_pfnKey;
         m_reportedKey = key;
     }
     const int points = inkCount();

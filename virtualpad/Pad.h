@@ -1,6 +1,7 @@
 // The one pad of the process: what is plugged in, what is written on it, and how it is drawn.
 #pragma once
 
+#include "sdk/SdkNumbers.h"
 #include "virtualpad/Fingerprint.h"
 #include "virtualpad/PadModel.h"
 #include "virtualpad/Picture.h"
@@ -8,19 +9,6 @@
 #include <QElapsedTimer>
 
 namespace virtualpad {
-
-/// Results of the interface's functions that return a code.
-enum ResultCode {
-    Success = 0,
-    NoSuchPad = -1,       ///< this device ID is not initialised, or the pad was unplugged
-    BadArgument = -2,     ///< a value out of range, a null pointer, an unknown type
-    PictureTooLarge = -3, ///< more than kMaxPicturePixels
-    BadData = -4,         ///< the text to decode is no base64, or no ink data
-    CannotWrite = -5,     ///< the file cannot be written
-};
-
-/// The confirm and cancel keys.
-enum KeyStatus { CancelKey = 0, ConfirmKey = 1, NoKey = -1 };
 
 constexpr int kMaxPadSide = 4096;    ///< pad pixels
 constexpr int kMaxClipMargin = 4096; ///< pad pixels
@@ -31,7 +19,7 @@ using PictureCallback = void (*)(char *pData);
 /// What the registered callbacks have yet to hear; a null function has nothing to hear.
 struct News {
     KeyCallback pfnKey = nullptr;
-    KeyStatus key = NoKey;
+    sdk::KeyEvent key = sdk::SIGNPAD_NO_BUTTON;
     PictureCallback pfnPicture = nullptr;
     int pictureType = 0;
 };
@@ -65,25 +53,25 @@ public:
     /// pressed, until it is cleared. False: not taken.
     bool write(const QPoint &point, int pressure);
     void liftPen();
-    void pressKey(KeyStatus key);
+    void pressKey(sdk::KeyEvent key);
 
     int inkCount() const;
     const InkPoint *inkPoint(int index) const; ///< null when there is no such point yet
-    KeyStatus keyStatus() const;
+    sdk::KeyEvent keyStatus() const;
 
-    ResultCode setPenWidth(int width);
-    ResultCode setPenColor(int red, int green, int blue);
+    sdk::ResultCode setPenWidth(int width);
+    sdk::ResultCode setPenColor(int red, int green, int blue);
     void setPenPressure(bool on);
-    ResultCode setClip(bool enable, int marginX, int marginY);
-    ResultCode setWpsCanvas(const QSize &canvas);
-    ResultCode setFingerprintPlace(const FingerprintPlace &place);
+    sdk::ResultCode setClip(bool enable, int marginX, int marginY);
+    sdk::ResultCode setWpsCanvas(const QSize &canvas);
+    sdk::ResultCode setFingerprintPlace(const FingerprintPlace &place);
     const FingerprintPlace &fingerprintPlace() const { return m_fingerprintPlace; }
 
     /// What a picture made now shows.
     Drawing drawing() const;
 
     void setKeyCallback(KeyCallback pfnKey) { m_pfnKey = pfnKey; }
-    ResultCode setPictureCallback(int type, PictureCallback pfnPicture);
+    sdk::ResultCode setPictureCallback(int type, PictureCallback pfnPicture);
     News takeNews();
 
     bool lcdOn = true;
@@ -98,7 +86,7 @@ private:
     QSize m_size;
     Ink m_ink;               ///< all of it, also what is not written yet
     QElapsedTimer m_writing; ///< since the pad was last emptied; by hand, since the first point
-    KeyStatus m_pressedKey = NoKey;
+    sdk::KeyEvent m_pressedKey = sdk::SIGNPAD_NO_BUTTON;
     double m_speed = 1.0; ///< factor to real time, 0: at once
     Pen m_pen;
     std::optional<Clip> m_clip;
@@ -107,7 +95,7 @@ private:
     KeyCallback m_pfnKey = nullptr;
     PictureCallback m_pfnPicture = nullptr;
     int m_pictureType = 0;
-    KeyStatus m_reportedKey = NoKey;
+    sdk::KeyEvent m_reportedKey = sdk::SIGNPAD_NO_BUTTON;
     int m_reportedPoints = 0;
 };
 

@@ -2,6 +2,8 @@
 
 #include "virtualpad/Environment.h"
 
+using namespace sdk;
+
 namespace virtualpad {
 
 std::optional<Drawing> drawingOf(int deviceId)

@@ -16,7 +16,7 @@ int withPad(int deviceId, Action action)
     SharedPad &shared = SharedPad::instance();
     const std::lock_guard<std::mutex> lock(shared.mutex);
     if (!shared.pad.isPluggedIn(deviceId))
-        return NoSuchPad;
+        return sdk::NoSuchPad;
     return action(shared.pad);
 }
 
@@ -54,10 +54,10 @@ int copyPadText(int deviceId, char *pBuffer, int bufferBytes, TextOfPad textOfPa
     QByteArray text;
     const int result = withPad(deviceId, [&](Pad &pad) {
         text = textOfPad(pad);
-        return Success;
+        return sdk::Success;
     });
     const int copied = copyText(text, pBuffer, bufferBytes);
-    return result == Success ? copied : result;
+    return result == sdk::Success ? copied : result;
 }
 
 using Numbers = std::array<int, 2>;
@@ -69,7 +69,7 @@ int copyNumbers(int deviceId, void *pOut, NumbersOfPad numbersOfPad)
     Numbers numbers{};
     const int result = withPad(deviceId, [&](Pad &pad) {
         numbers = numbersOfPad(pad);
-        return Success;
+        return sdk::Success;
     });
     std::copy_n(numbers.begin(), count, static_cast<int *>(pOut));
     return result;

@@ -2,6 +2,8 @@
 
 #include "virtualpad/SharedPad.h"
 
+using namespace sdk;
+
 namespace virtualpad {
 
 namespace {
@@ -30,7 +32,7 @@ void PadHand::liftPen() const
     });
 }
 
-void PadHand::pressKey(KeyStatus key) const
+void PadHand::pressKey(KeyEvent key) const
 {
     duringSession(m_session, [key](Pad &pad) {
         pad.pressKey(key);

@@ -17,7 +17,7 @@ public:
     /// Pad pixels and 0 to kMaxPressure. False: the pad takes no ink now.
     bool write(const QPoint &point, int pressure) const;
     void liftPen() const;
-    void pressKey(KeyStatus key) const;
+    void pressKey(sdk::KeyEvent key) const;
     /// Pulls the plug: the pad is gone until it is initialised again.
     void unplug() const;
 

@@ -10,7 +10,7 @@ struct PadView {
     quint64 session = 0;
     PadModel model{};
     Drawing drawing;
-    KeyStatus key = NoKey;
+    sdk::KeyEvent key = sdk::SIGNPAD_NO_BUTTON;
     bool lcdOn = true;
     bool showsInformation = false;
 };

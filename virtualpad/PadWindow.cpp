@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+using namespace sdk;
+
 namespace virtualpad {
 
 namespace {
@@ -40,11 +42,11 @@ struct Status {
 Status statusOf(const PadView &view)
 {
     switch (view.key) {
-    case ConfirmKey:
+    case SIGNPAD_ENTER_BUTTON:
         return {PadText::Confirmed, kConfirm.lighter(130)};
-    case CancelKey:
+    case SIGNPAD_CANCEL_BUTTON:
         return {PadText::Cancelled, kCancel.lighter(120)};
-    case NoKey:
+    case SIGNPAD_NO_BUTTON:
         break;
     }
     return view.lcdOn ? Status{PadText::Ready, kLampReady} : Status{PadText::LcdOff, kLampOff};
@@ -100,8 +102,8 @@ PadWindow::PadWindow()
     m_pConfirm->setText(padText(PadText::Confirm));
     m_pCancel->setShortcut(Qt::Key_Escape);
     m_pConfirm->setShortcut(Qt::Key_Return);
-    connect(m_pCancel, &PadKey::clicked, this, [this] { press(CancelKey); });
-    connect(m_pConfirm, &PadKey::clicked, this, [this] { press(ConfirmKey); });
+    connect(m_pCancel, &PadKey::clicked, this, [this] { press(SIGNPAD_CANCEL_BUTTON); });
+    connect(m_pConfirm, &PadKey::clicked, this, [this] { press(SIGNPAD_ENTER_BUTTON); });
 }
 
 void PadWindow::showPad(const PadView &view)
@@ -124,17 +126,17 @@ void PadWindow::arrange(const QSize &padSize)
     m_pConfirm->setGeometry(QRect(QPoint(width() / 2 + kKeyGap / 2, keyTop), key));
 }
 
-void PadWindow::press(KeyStatus key)
+void PadWindow::press(KeyEvent key)
 {
     PadHand(m_view.session).pressKey(key);
     showKey(key);
 }
 
-void PadWindow::showKey(KeyStatus key)
+void PadWindow::showKey(KeyEvent key)
 {
     m_view.key = key;
-    m_pCancel->setChecked(key == CancelKey);
-    m_pConfirm->setChecked(key == ConfirmKey);
+    m_pCancel->setChecked(key == SIGNPAD_CANCEL_BUTTON);
+    m_pConfirm->setChecked(key == SIGNPAD_ENTER_BUTTON);
     update();
 }
 

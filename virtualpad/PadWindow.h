@@ -30,8 +30,8 @@ protected:
     void paintEvent(QPaintEvent *pEvent) override;
 
 private:
-    void press(KeyStatus key);
-    void showKey(KeyStatus key);
+    void press(sdk::KeyEvent key);
+    void showKey(sdk::KeyEvent key);
     void arrange(const QSize &padSize);
 
     PadView m_view;

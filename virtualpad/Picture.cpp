@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+using namespace sdk;
+
 namespace virtualpad {
 
 namespace {

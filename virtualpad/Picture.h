@@ -1,6 +1,7 @@
 // Pictures of the ink, in every image type of the interface.
 #pragma once
 
+#include "sdk/SdkNumbers.h"
 #include "virtualpad/Ink.h"
 #include "virtualpad/Pen.h"
 
@@ -12,16 +13,6 @@
 #include <tuple>
 
 namespace virtualpad {
-
-/// The interface's image types.
-enum ImageType {
-    BmpImage = 1,            ///< on white
-    TransparentPngImage = 2, ///< always transparent, and on the WPS canvas when one was set
-    PngImage = 3,            ///< transparent or on white, as the function that makes it says
-    JpegImage = 4,           ///< on white
-    SvgImage = 5,            ///< transparent
-    InkData = 6,             ///< no picture: the points themselves, see InkText.h
-};
 
 constexpr int kScreenDpi = 96; ///< at this resolution a pad pixel is one pixel of the picture
 constexpr int kMaxDpi = 2400;
@@ -53,10 +44,10 @@ inline bool operator==(const Drawing &a, const Drawing &b)
 }
 
 struct PictureOptions {
-    int type = PngImage;   ///< an ImageType; any other number makes no picture
-    int dpi = kScreenDpi;  ///< 1 to kMaxDpi: the stored resolution and the size in pixels
-    bool opaque = false;   ///< whether PngImage is on white
-    bool onCanvas = false; ///< fill the drawing's canvas, if there is one; TransparentPngImage always does
+    int type = sdk::PngImage; ///< an ImageType; any other number makes no picture
+    int dpi = kScreenDpi;     ///< 1 to kMaxDpi: the stored resolution and the size in pixels
+    bool opaque = false;      ///< whether PngImage is on white
+    bool onCanvas = false;    ///< fill the drawing's canvas, if there is one; TransparentPngImage always does
 };
 
 inline bool operator==(const PictureOptions &a, const PictureOptions &b)

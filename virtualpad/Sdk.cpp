@@ -1,6 +1,7 @@
 // The C interface: every function once, exported under the names of all families. The device ID alone chooses the
 // pad, so MVAlder_Clear and MVBirch_Clear are one function.
 #include "sdk/SdkFunctions.h"
+#include "sdk/SdkNumbers.h"
 #include "virtualpad/BuiltInSignature.h"
 #include "virtualpad/Environment.h"
 #include "virtualpad/Fingerprint.h"
@@ -10,23 +11,10 @@
 
 #include <algorithm>
 
+using namespace sdk;
 using namespace virtualpad;
 
 namespace {
-
-constexpr int kAboutBufferBytes = 256;
-constexpr int kInfoBufferBytes = 256;
-
-/// What GetDeviceInfo can tell.
-enum InfoType {
-    ConnectedInfo = 1,    ///< flag
-    LcdSizeInfo = 2,      ///< width and height in pad pixels
-    SamplingInfo = 3,     ///< points per second, pad pixels per inch
-    PressureInfo = 4,     ///< the strongest pressure
-    ProductInfo = 5,      ///< text
-    SerialNumberInfo = 6, ///< text
-    VersionInfo = 7,      ///< major and minor number
-};
 
 /// Empty for a text with any character that is not of the alphabet.
 QByteArray decodedBase64(const char *pszBase64Data)
@@ -37,6 +25,20 @@ QByteArray decodedBase64(const char *pszBase64Data)
                || c == '=';
     });
     return isBase64 ? QByteArray::fromBase64(text) : QByteArray();
+}
+
+int decodedField(const InkPoint &point, int field)
+{
+    switch (field) {
+    case DecodedX:
+        return point.x;
+    case DecodedY:
+        return point.y;
+    case DecodedStrokeEnd:
+        return point.strokeEnd ? 1 : 0;
+    default:
+        return 0;
+    }
 }
 
 } // namespace
@@ -203,9 +205,9 @@ int virtualpad_GetDeviceInfo(int nDeviceID, int nType, void *pOut)
     case PressureInfo:
         return copyNumbers<1>(nDeviceID, pOut, [](Pad &) { return Numbers{kMaxPressure}; });
     case ProductInfo:
-        return copyPadText(nDeviceID, pText, kInfoBufferBytes, [](Pad &pad) { return pad.model().productName(); });
+        return copyPadText(nDeviceID, pText, InfoBufferBytes, [](Pad &pad) { return pad.model().productName(); });
     case SerialNumberInfo:
-        return copyPadText(nDeviceID, pText, kInfoBufferBytes, [](Pad &pad) { return pad.model().padId(); });
+        return copyPadText(nDeviceID, pText, InfoBufferBytes, [](Pad &pad) { return pad.model().padId(); });
     case VersionInfo:
         return copyNumbers<2>(nDeviceID, pOut, [](Pad &) { return Numbers{kVersionMajor, kVersionMinor}; });
     default:
@@ -220,7 +222,7 @@ void virtualpad_AboutBox(int)
 
 void virtualpad_GetAboutInfo(int, char *pBuf)
 {
-    copyText(aboutText(), pBuf, kAboutBufferBytes);
+    copyText(aboutText(), pBuf, AboutBufferBytes);
 }
 
 char *virtualpad_Base64Encode(int nDeviceID, int nType)
@@ -350,8 +352,7 @@ int virtualpad_GetDecodeInkPointData(int nDeviceID, int nIndex, int nField)
     withPad(nDeviceID, [&](Pad &pad) {
         if (nIndex < 0 || nIndex >= pad.decodedInk.size())
             return BadArgument;
-        const InkPoint &point = pad.decodedInk[nIndex];
-        value = nField == 1 ? point.x : nField == 2 ? point.y : nField == 3 && point.strokeEnd ? 1 : 0;
+        value = decodedField(pad.decodedInk[nIndex], nField);
         return Success;
     });
     return value;
