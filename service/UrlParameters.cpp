@@ -1,6 +1,7 @@
 #include "service/UrlParameters.h"
 
 #include "base/Logging.h"
+#include "service/CommandTable.h"
 
 #include <QStringRef>
 
@@ -20,7 +21,7 @@ QStringRef TakePiece(const QStringRef &text, QChar separator, int &nFrom)
 QMap<QString, QString> SplitQuery(const QStringRef &query)
 {
     QMap<QString, QString> parameters;
-    for (int nAt = 0; nAt <= query.size() && parameters.size() <= nMostUrlParameters;) {
+    for (int nAt = 0; nAt <= query.size() && parameters.size() <= nMostParameters;) {
         const QStringRef piece = TakePiece(query, QLatin1Char('&'), nAt);
         int nInPiece = 0;
         const QString key = TakePiece(piece, QLatin1Char('='), nInPiece).toString();

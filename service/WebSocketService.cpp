@@ -8,6 +8,7 @@
 #include "device/SignPadEvents.h"
 #include "service/ClientConnections.h"
 #include "service/CommandTable.h"
+#include "service/RunCommand.h"
 
 #include <QHostAddress>
 #include <QMetaObject>
@@ -208,9 +209,8 @@ QByteArray WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &
     QString strResult = QStringLiteral("-1");
     const int nCommand = RecognisedCommand(strMsg);
     if (nCommand >= 0) {
-        const Command &command = commandTable[nCommand];
-        MV_LOG_INSIDE_THREAD(tag, "Rx Cmd: %s", command.szLogName);
-        if (std::optional<QString> result = command.run(*this, command, strMsg)) {
+        MV_LOG_INSIDE_THREAD(tag, "Rx Cmd: %s", commandTable[nCommand].szLogName);
+        if (std::optional<QString> result = RunCommand(nCommand, *this, strMsg)) {
             strAPI = m_APINameList.at(nCommand);
             strResult = std::move(*result);
         }

@@ -1,6 +1,7 @@
-#include "service/CommandTable.h"
+#include "service/RunCommand.h"
 
 #include "device/SignObjManager.h"
+#include "service/CommandTable.h"
 #include "service/UrlParameters.h"
 #include "service/WebSocketService.h"
 
@@ -8,6 +9,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <iterator>
 #include <type_traits>
 #include <utility>
 
@@ -23,6 +25,29 @@ int Number(const QString &text)
 bool Flag(const QString &text)
 {
     return Number(text) != 0;
+}
+
+/// Walks: among so few keys that is faster than to make the text that the map would look for.
+QString ValueOf(const QMap<QString, QString> &parameters, QLatin1String key)
+{
+    const auto found = std::find(parameters.keyBegin(), parameters.keyEnd(), key);
+    return found == parameters.keyEnd() ? QString() : *found.base();
+}
+
+/// The request's values in the order of the keys, a missing key's as the empty text; none when the number of distinct
+/// keys in the request differs from the command's.
+std::optional<QStringList> Values(const Command &command, const QString &strMsg)
+{
+    const QMap<QString, QString> parameters = ParseUrlParameters(strMsg);
+    QStringList values;
+    values.reserve(nMostParameters);
+    for (const char *key : command.keys) {
+        if (key)
+            values += ValueOf(parameters, QLatin1String(key));
+    }
+    if (parameters.size() != values.size())
+        return {};
+    return values;
 }
 
 template <class Parameter>
@@ -73,7 +98,7 @@ Reply CallPad(WebSocketService &service, Result (SignObjManager::*operation)(Par
 template <auto Operation>
 Reply Pad(WebSocketService &service, const Command &command, const QString &strMsg)
 {
-    return CallPad(service, Operation, command.keys[0] ? command.Values(strMsg) : QStringList());
+    return CallPad(service, Operation, command.keys[0] ? Values(command, strMsg) : QStringList());
 }
 
 /// The fields are cut out by their markers, which must come in this order, so that the data may hold "=" and "?".
@@ -94,7 +119,7 @@ Reply Decode(WebSocketService &service, const Command & /*command*/, const QStri
 
 Reply SetPenStyle(WebSocketService &service, const Command &command, const QString &strMsg)
 {
-    std::optional<QStringList> values = command.Values(strMsg);
+    std::optional<QStringList> values = Values(command, strMsg);
     if (values)
         values->first() = Flag(values->first()) ? QStringLiteral("0") : QStringLiteral("1"); // inverted on purpose
     return CallPad(service, &SignObjManager::SetPenStyle, values);
@@ -102,7 +127,7 @@ Reply SetPenStyle(WebSocketService &service, const Command &command, const QStri
 
 Reply GetWPSSettings(WebSocketService &service, const Command &command, const QString &strMsg)
 {
-    const std::optional<QStringList> values = command.Values(strMsg);
+    const std::optional<QStringList> values = Values(command, strMsg);
     if (!values)
         return {};
     const WpsApplicationSettings &settings = service.WPSSettings().Application(Number(values->at(0)));
@@ -115,7 +140,7 @@ Reply GetWPSSettings(WebSocketService &service, const Command &command, const QS
 
 Reply UpdateWPSSettings(WebSocketService &service, const Command &command, const QString &strMsg)
 {
-    const std::optional<QStringList> values = command.Values(strMsg);
+    const std::optional<QStringList> values = Values(command, strMsg);
     if (!values)
         return {};
     service.WPSSettings().Application(Number(values->at(0))) = {Flag(values->at(1)), Flag(values->at(2)),
@@ -126,7 +151,7 @@ Reply UpdateWPSSettings(WebSocketService &service, const Command &command, const
 
 Reply WPSSignConfirmed(WebSocketService &service, const Command &command, const QString &strMsg)
 {
-    const std::optional<QStringList> values = command.Values(strMsg);
+    const std::optional<QStringList> values = Values(command, strMsg);
     SignObjManager *const manager = service.Manager();
     if (!values || !manager)
         return {};
@@ -137,7 +162,7 @@ Reply WPSSignConfirmed(WebSocketService &service, const Command &command, const 
 Reply EnableRealtimeSigningNotification(WebSocketService &service, const Command &command, const QString &strMsg)
 {
     service.ReceivePushes(); // before any check, on purpose: a rejected request has this effect too
-    const std::optional<QStringList> values = command.Values(strMsg);
+    const std::optional<QStringList> values = Values(command, strMsg);
     SignObjManager *const manager = service.Manager();
     if (!values || !manager)
         return {};
@@ -145,76 +170,50 @@ Reply EnableRealtimeSigningNotification(WebSocketService &service, const Command
         Number(values->at(0)), WebSocketServiceSignPadEventCallback, WebSocketServiceSignBase64DataCallback));
 }
 
-/// Walks: among so few keys that is faster than to make the text that the map would look for.
-QString ValueOf(const QMap<QString, QString> &parameters, QLatin1String key)
-{
-    const auto found = std::find(parameters.keyBegin(), parameters.keyEnd(), key);
-    return found == parameters.keyEnd() ? QString() : *found.base();
-}
+using Run = Reply (*)(WebSocketService &service, const Command &command, const QString &strMsg);
+
+/// In the order of the command table.
+const Run runs[] = {
+    Pad<&SignObjManager::Clear>,
+    Pad<&SignObjManager::CloseLCD>,
+    Decode,
+    Pad<&SignObjManager::DisplayDeviceInfoInLCD>,
+    Pad<&SignObjManager::Encode>,
+    Pad<&SignObjManager::GetAboutInfo>,
+    Pad<&SignObjManager::GetDecodeFilePath>,
+    Pad<&SignObjManager::GetDeviceConfirmOrCancelKeyStatus>,
+    Pad<&SignObjManager::GetDeviceInfo>,
+    Pad<&SignObjManager::GetFingerPrintImage>,
+    Pad<&SignObjManager::GetInks>,
+    Pad<&SignObjManager::GetPointer>,
+    Pad<&SignObjManager::GetSize>,
+    Pad<&SignObjManager::InitialDevice>,
+    Pad<&SignObjManager::IsValid>,
+    Pad<&SignObjManager::OpenLCD>,
+    Pad<&SignObjManager::PadID>,
+    Pad<&SignObjManager::PenID>,
+    Pad<&SignObjManager::SaveDrawImage>,
+    Pad<&SignObjManager::SetClip>,
+    Pad<&SignObjManager::SetDisplayedFPImageAt>,
+    Pad<&SignObjManager::SetPenColor>,
+    SetPenStyle,
+    Pad<&SignObjManager::SetPenWidth>,
+    Pad<&SignObjManager::UnInitialDevice>,
+    Pad<&SignObjManager::VersionID>,
+    GetWPSSettings,
+    UpdateWPSSettings,
+    WPSSignConfirmed,
+    Pad<&SignObjManager::WPSGetInks>,
+    Pad<&SignObjManager::InitialWPSSignCanvas>,
+    Pad<&SignObjManager::GetSVGImageBase64Data>,
+    EnableRealtimeSigningNotification,
+    Pad<&SignObjManager::GetOpaqueInks>,
+};
+static_assert(std::size(runs) == nCommandCount, "one for each command");
 
 } // namespace
 
-// Some names are not those of the operations or of the log, on purpose: SaveDrawingImage, UninitialDevice,
-// INITWPSSIGNCANVAS.
-// clang-format off
-const Command commandTable[nCommandCount] = {
-    {"Clear", "CLEAR", {}, Pad<&SignObjManager::Clear>},
-    {"CloseLCD", "CLOSELCD", {}, Pad<&SignObjManager::CloseLCD>},
-    {"Decode", "DECODE", {"type", "path", "data"}, Decode},
-    {"DisplayDeviceInfoInLCD", "DISPLAYDEVICEINFOINLCD", {"show"}, Pad<&SignObjManager::DisplayDeviceInfoInLCD>},
-    {"Encode", "ENCODE", {"type"}, Pad<&SignObjManager::Encode>},
-    {"GetAboutInfo", "GETABOUTINFO", {}, Pad<&SignObjManager::GetAboutInfo>},
-    {"GetDecodeFilePath", "GETDECODEFILEPATH", {}, Pad<&SignObjManager::GetDecodeFilePath>},
-    {"GetDeviceConfirmOrCancelKeyStatus", "GETDEVICECONFIRMORCANCELKEYSTATUS", {}, Pad<&SignObjManager::GetDeviceConfirmOrCancelKeyStatus>},
-    {"GetDeviceInfo", "GETDEVICEINFO", {"type"}, Pad<&SignObjManager::GetDeviceInfo>},
-    {"GetFingerPrintImage", "GETFINGERPRINTIMAGE", {"FPImageOnly"}, Pad<&SignObjManager::GetFingerPrintImage>},
-    {"GetInks", "GETINKS", {}, Pad<&SignObjManager::GetInks>},
-    {"GetPointer", "GETPOINTER", {}, Pad<&SignObjManager::GetPointer>},
-    {"GetSize", "GETSIZE", {}, Pad<&SignObjManager::GetSize>},
-    {"InitialDevice", "INITIALDEVICE", {"id", "width", "height"}, Pad<&SignObjManager::InitialDevice>},
-    {"IsValid", "ISVALID", {}, Pad<&SignObjManager::IsValid>},
-    {"OpenLCD", "OPENLCD", {}, Pad<&SignObjManager::OpenLCD>},
-    {"PadID", "PADID", {}, Pad<&SignObjManager::PadID>},
-    {"PenID", "PENID", {}, Pad<&SignObjManager::PenID>},
-    {"SaveDrawingImage", "SAVEDRAWINGIMAGE", {"type", "dpi", "path"}, Pad<&SignObjManager::SaveDrawImage>},
-    {"SetClip", "SETCLIP", {"width", "height"}, Pad<&SignObjManager::SetClip>},
-    {"SetDisplayedFPImageAt", "SETDISPLAYEDFPIMAGEAT", {"CanvasWidth", "CanvasHeight", "Left", "Top", "Width", "Height"}, Pad<&SignObjManager::SetDisplayedFPImageAt>},
-    {"SetPenColor", "SETPENCOLOR", {"R", "G", "B"}, Pad<&SignObjManager::SetPenColor>},
-    {"SetPenStyle", "SETPENSTYLE", {"Style"}, SetPenStyle},
-    {"SetPenWidth", "SETPENWIDTH", {"Width"}, Pad<&SignObjManager::SetPenWidth>},
-    {"UninitialDevice", "UNINITIALDEVICE", {}, Pad<&SignObjManager::UnInitialDevice>},
-    {"VersionID", "VERSIONID", {}, Pad<&SignObjManager::VersionID>},
-    {"GetWPSSettings", "GETWPSSETTINGS", {"id"}, GetWPSSettings},
-    {"UpdateWPSSettings", "UPDATEWPSSETTINGS", {"id", "dt", "af", "pw", "name"}, UpdateWPSSettings},
-    {"WPSSignConfirmed", "WPSSIGNCONFIRMED", {"id"}, WPSSignConfirmed},
-    {"WPSGetInks", "WPSGETINKS", {}, Pad<&SignObjManager::WPSGetInks>},
-    {"InitialWPSSignCanvas", "INITWPSSIGNCANVAS", {"width", "height"}, Pad<&SignObjManager::InitialWPSSignCanvas>},
-    {"GetSVGImageBase64Data", "GETSVGIMAGEBASE64DATA", {}, Pad<&SignObjManager::GetSVGImageBase64Data>},
-    {"EnableRealtimeSigningNotification", "ENABLEREALTIMESIGNINGNOTIFICATION", {"type"}, EnableRealtimeSigningNotification},
-    {"GetOpaqueInks", "GETOPAQUEINKS", {}, Pad<&SignObjManager::GetOpaqueInks>},
-};
-// clang-format on
-
-QStringList Command::Keys() const
+Reply RunCommand(int nCommand, WebSocketService &service, const QString &strMsg)
 {
-    QStringList names;
-    for (const char *key : keys) {
-        if (key)
-            names += QString::fromLatin1(key);
-    }
-    return names;
-}
-
-std::optional<QStringList> Command::Values(const QString &strMsg) const
-{
-    const QMap<QString, QString> parameters = ParseUrlParameters(strMsg);
-    QStringList values;
-    values.reserve(nMostUrlParameters);
-    for (const char *key : keys) {
-        if (key)
-            values += ValueOf(parameters, QLatin1String(key));
-    }
-    if (parameters.size() != values.size())
-        return {};
-    return values;
+    return runs[nCommand](service, commandTable[nCommand], strMsg);
 }
