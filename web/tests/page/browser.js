@@ -1,20 +1,39 @@
 // The demo page in the system's Chromium, from file:// and from a web server of the test's own.
 import { once } from 'node:events';
-import { readFile } from 'node:fs/promises';
+import { mkdtemp, readFile, readdir, rm } from 'node:fs/promises';
 import http from 'node:http';
 import https from 'node:https';
+import { tmpdir } from 'node:os';
 import path from 'node:path';
 import { fileURLToPath } from 'node:url';
-import { chromium } from 'playwright-core';
+import puppeteer from 'puppeteer-core';
+import { until } from './desktop.js';
 
 export const WEB = fileURLToPath(new URL('../..', import.meta.url));
 export const FILE_PAGE = new URL('../../demo/index.html', import.meta.url).href;
 const CONTENT_TYPES = { '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.svg': 'image/svg+xml' };
+const PATIENCE_MS = 90_000; // on a busy machine everything takes its time
 
-export const startBrowser = (args = []) => chromium.launch({
+export const startBrowser = (args = []) => puppeteer.launch({
   executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
   args: ['--no-sandbox', '--disable-gpu', '--disable-background-networking', ...args],
+  acceptInsecureCerts: true,
+  timeout: PATIENCE_MS,
+  protocolTimeout: PATIENCE_MS,
 });
+
+/** Cookies, storage and downloads of its own; `downloads` is the directory that the latter go to. */
+export async function openContext(browser) {
+  const downloads = await mkdtemp(path.join(tmpdir(), 'signpad-downloads-'));
+  const context = await browser.createBrowserContext({
+    downloadBehavior: { policy: 'allow', downloadPath: downloads },
+  });
+  const close = async () => {
+    await context.close();
+    await rm(downloads, { recursive: true, force: true });
+  };
+  return { context, downloads, close };
+}
 
 /** A plain web server for the folder web/; `tls`: {key, cert} for https. */
 export async function servePage(tls) {
@@ -40,10 +59,24 @@ export async function servePage(tls) {
   };
 }
 
+/** `language`, `viewport`, `theme` ('light' or 'dark'): what the user has set. No page moves more than it must. */
+async function applySettings(page, { language, viewport, theme = 'light' }) {
+  page.setDefaultTimeout(PATIENCE_MS);
+  await page.setViewport(viewport);
+  await page.emulateMediaFeatures([
+    { name: 'prefers-reduced-motion', value: 'reduce' },
+    { name: 'prefers-color-scheme', value: theme },
+  ]);
+  const devtools = await page.createCDPSession();
+  const userAgent = await page.browser().userAgent();
+  await devtools.send('Emulation.setUserAgentOverride', { userAgent, acceptLanguage: language });
+  await devtools.send('Emulation.setFocusEmulationEnabled', { enabled: true });
+}
+
 /** Opens the page for a service at the port. `errors` fills with what no page should do. */
-export async function openPage(context, url, port) {
+export async function openPage(context, url, port, settings) {
   const page = await context.newPage();
-  page.setDefaultTimeout(90_000); // on a busy machine everything takes its time
+  await applySettings(page, settings);
   const errors = [];
   page.on('pageerror', (error) => errors.push(String(error)));
   page.on('request', (request) => {
@@ -58,11 +91,21 @@ export async function openPage(context, url, port) {
   return { page, errors };
 }
 
+/** Acts, and returns the file that comes of it; the next one of its name comes under that name, too. */
+export async function download(downloads, act) {
+  await act();
+  const name = await until(async () => (await readdir(downloads)).find((file) => !file.endsWith('.crdownload')),
+    'the download');
+  const bytes = await readFile(path.join(downloads, name));
+  await rm(path.join(downloads, name));
+  return { name, bytes };
+}
+
 /**
  * What a picture of the page holds: its size, the box around its ink in its own pixels, whether there is ink near each
  * of the places, and the colour of its upper left pixel.
  */
-export const inkOf = (page, selector, places = []) => page.locator(selector).evaluate(async (element, wanted) => {
+export const inkOf = (page, selector, places = []) => page.$eval(selector, async (element, wanted) => {
   await element.decode?.();
   const canvas = document.createElement('canvas');
   const width = canvas.width = element.naturalWidth ?? element.width;

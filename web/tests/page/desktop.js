@@ -16,12 +16,13 @@ const PROGRAM = 'mvsignpadsdk_wssvr';
 const PAD_HEADER = 46; // window pixels above the pad's screen
 const STEPS_PER_LINE = 40;
 
+/** `what`: the condition in words, or a function that tells it once it was waited for in vain. */
 export async function until(condition, what, timeout = 90_000) {
   for (const end = Date.now() + timeout; Date.now() < end; await sleep(25)) {
     const value = await condition();
     if (value) return value;
   }
-  throw new Error(`timed out waiting for ${what}`);
+  throw new Error(`timed out waiting for ${typeof what === 'function' ? what() : what}`);
 }
 
 export async function freePort() {
