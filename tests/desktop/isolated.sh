@@ -1,34 +1,21 @@
 #!/bin/sh
 # Runs a test with processes, network ports and a /tmp of its own: a service that the developer has running neither
 # disturbs the test nor is disturbed by it, and nothing of the test outlives it. Where the machine does not permit
-# that, the test runs as it is.
+# that, nothing is run: a test deletes the product's files in /tmp, which would be the developer's own.
 #
-# usage: isolated.sh SOURCE_DIR BUILD_DIR COMMAND [ARGUMENT...]    run COMMAND; the two trees stay visible where they
-#                                                                  are, also when they lie in /tmp
-#        isolated.sh --possible                                    exit with 0 when the machine permits it
+# usage: isolated.sh SOURCE_DIR BUILD_DIR COMMAND [ARGUMENT...]    the two trees stay visible where they are, also when
+#                                                                  they lie in /tmp
 set -u
 
-spaces="--pid --fork --kill-child --mount-proc --net --mount"
-[ "$(id -u)" = 0 ] || spaces="--map-root-user $spaces"
-
-# shellcheck disable=SC2086 # the list of options is meant to be split
-is_possible() {
-    unshare $spaces sh -c 'ip link set lo up && mount -t tmpfs tmpfs /mnt' 2>/dev/null
-}
-
-case $1 in
---possible)
-    is_possible
-    exit
-    ;;
---inside) ;;
-*)
-    # shellcheck disable=SC2086
-    is_possible && exec unshare $spaces "$0" --inside "$@"
-    shift 2
-    exec "$@"
-    ;;
-esac
+if [ "$1" != --inside ]; then
+    spaces="--pid --fork --kill-child --mount-proc --net --mount"
+    [ "$(id -u)" = 0 ] || spaces="--map-root-user $spaces"
+    # shellcheck disable=SC2086 # the list of options is meant to be split
+    reason=$(unshare $spaces sh -c 'ip link set lo up && mount -t tmpfs tmpfs /mnt' 2>&1) &&
+        exec unshare $spaces "$0" --inside "$@"
+    echo "isolated: not run, this machine permits no processes, ports and /tmp of its own: $reason" >&2
+    exit 1
+fi
 
 shift
 ip link set lo up
