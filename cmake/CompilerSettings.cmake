@@ -10,7 +10,7 @@ if(NOT CMAKE_BUILD_TYPE)
     set(CMAKE_BUILD_TYPE RelWithDebInfo)
 endif()
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fno-exceptions -fvisibility=hidden)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -fno-exceptions -fvisibility=hidden)
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
                         QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050900)
 add_link_options(-Wl,--as-needed)

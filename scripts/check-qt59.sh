@@ -6,9 +6,8 @@ cd "$(dirname "$0")/.."
 
 . scripts/packages.sh
 . scripts/rooms.sh
-install_missing "${build_packages[@]}" "${lint_packages[@]}"
-CXX=clang++ cmake -S . -B build-clang -G Ninja -DBUILD_TESTING=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
-cmake --build build-clang
+install_missing "${lint_packages[@]}"
+scripts/build-clang.sh
 tests/qt59/selftest.py build-clang
 shopt -s nullglob
 sources=()

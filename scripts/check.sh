@@ -12,58 +12,61 @@ steps=("$@")
 
 . scripts/packages.sh
 . scripts/rooms.sh
+. scripts/run-tests.sh
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
 jobs=$(nproc)
 
 # The tests of the built files, of the packages and of the web client have nothing in them that a sanitizer sees. The pad's
 # window is opened and closed for a minute.
 check_address() {
-    cmake -S . -B build-address -G Ninja -DMVSIGNPAD_SANITIZE=address,undefined >/dev/null
+    cmake -S . -B build-address -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
+        -DMVSIGNPAD_SANITIZE=address,undefined >/dev/null
     cmake --build build-address
     local -x MVSIGNPAD_STRESS_SECONDS=60
-    local run=(ctest --test-dir build-address --output-on-failure --parallel $((2 * jobs)))
-    "${run[@]}" -L '^(unit|sdk)$'
+    local parallel=$((2 * jobs))
+    ctest --test-dir build-address --output-on-failure --parallel "$parallel" -L '^(unit|sdk)$'
     # A desktop may miss its time on a busy machine, as in scripts/test.sh.
-    "${run[@]}" -L '^(desktop|faults)$' --repeat until-pass:2
+    run_tests build-address --parallel "$parallel" -L '^(desktop|faults)$'
 }
 
 # What runs on several threads: the service's thread beside its owner's, pushes from foreign threads, the log.
 thread_tests=(tst_websocketservice tst_push tst_requests tst_logging)
 check_thread() {
-    cmake -S . -B build-thread -G Ninja -DMVSIGNPAD_SANITIZE=thread >/dev/null
+    cmake -S . -B build-thread -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
+        -DMVSIGNPAD_SANITIZE=thread >/dev/null
     cmake --build build-thread --target "${thread_tests[@]}"
     local names
     names=$(IFS='|' && echo "${thread_tests[*]}")
     ctest --test-dir build-thread --output-on-failure --parallel "$jobs" --no-tests=error -R "^($names)\$"
 }
 
-# The product's sources, as the fuzz build compiles them.
+# The product's sources, as clang compiles them.
 product_sources() {
-    grep -o '"file": "[^"]*"' build-fuzz/compile_commands.json | cut -d'"' -f4 |
+    grep -o '"file": "[^"]*"' build-clang/compile_commands.json | cut -d'"' -f4 |
         grep -E "^$PWD/($product_rooms_pattern)/" | sort -u
 }
 
 check_analysis() {
-    CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
-        -DMVSIGNPAD_SANITIZE=fuzzer-no-link,address,undefined >/dev/null
-    # The sources that Qt's compiler generates are included by the others.
-    cmake --build build-fuzz --target mvsignpadsdk_wssvr mvsignctl virtualpad
+    scripts/build-clang.sh # the sources that Qt's compiler generates are included by the others
     # Texts are handed on by value: a copy shares its characters.
     cppcheck --quiet --error-exitcode=1 --inline-suppr --std=c++17 --library=qt -I . \
         --enable=warning,performance,portability --suppress=missingIncludeSystem \
         --suppress=passedByValue -j "$jobs" \
         "${product_rooms[@]}"
-    product_sources | xargs -P "$jobs" -n 1 clazy-standalone -p build-fuzz --checks=level1 \
-        --header-filter="^$PWD/($product_rooms_pattern)/" >build-fuzz/clazy.txt 2>&1 || true
-    if grep -E '\[-Wclazy|error:' build-fuzz/clazy.txt; then
+    # Clazy's status says nothing of its warnings.
+    local status=0
+    product_sources | xargs -P "$jobs" -n 1 clazy-standalone -p build-clang --checks=level1 \
+        --header-filter="^$PWD/($product_rooms_pattern)/" >build-clang/clazy.txt 2>&1 || status=$?
+    if [ "$status" != 0 ] || grep -qE '\[-Wclazy|error:' build-clang/clazy.txt; then
+        cat build-clang/clazy.txt
         return 1
     fi
-    product_sources | xargs -P "$jobs" -n 1 clang-tidy -p build-fuzz --quiet \
+    product_sources | xargs -P "$jobs" -n 1 clang-tidy -p build-clang --quiet \
         --header-filter="^$PWD/($product_rooms_pattern)/" 2>/dev/null
 }
 
 check_fuzz() { scripts/fuzz.sh 60; }
-check_soak() { scripts/soak.sh 2; }
+check_soak() { MVSIGNPAD_BUILD=build-clang scripts/soak.sh 2; }
 
 for step in "${steps[@]}"; do
     echo "== $step"

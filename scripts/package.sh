@@ -12,7 +12,7 @@ build_packages_for() {
     if [ "$1" != "$native" ]; then
         toolchain=(-DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-aarch64.cmake)
     fi
-    cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_TESTING=OFF "${toolchain[@]}"
+    cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "${toolchain[@]}"
     cmake --build "$build"
     (cd "$build" && cpack -B packages)
     cp "$build"/packages/*_"$1".deb dist/

@@ -28,7 +28,8 @@ fi
 . scripts/packages.sh
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}"
 install_arm64_tools
-cmake -S . -B build-arm64 -G Ninja -DBUILD_TESTING=ON -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-aarch64.cmake
+cmake -S . -B build-arm64 -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
+    -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-aarch64.cmake
 cmake --build build-arm64
 
 # With processes of their own: a test whose emulation goes wrong has been seen to kill every process in its reach.

@@ -16,9 +16,10 @@ case "$*" in
 esac
 
 . scripts/packages.sh
+. scripts/run-tests.sh
 install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${packaging_packages[@]}"
-cmake -S . -B build -G Ninja -DBUILD_TESTING=ON
+cmake -S . -B build -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON
 cmake --build build
 # Many tests wait most of their time. A real browser on a real desktop may miss its time on a busy machine: what fails is
-# run once more.
-ctest --test-dir build --output-on-failure --parallel $((2 * $(nproc))) --repeat until-pass:2
+# run once more, and named at the end.
+run_tests build --parallel $((2 * $(nproc)))

@@ -21,7 +21,7 @@ from interface import TABLE, identity, parse
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # The one place that may ask which Qt it is built with.
-BRIDGE = ROOT / "app" / "QtCompat.h"
+BRIDGE = ROOT / "base" / "QtCompat.h"
 # Overloads that took over a call of an older one by their default arguments, and how many arguments that call has.
 TOOK_OVER = {"QString::split": 1, "QString::splitRef": 1, "QStringRef::split": 1, "QThread::wait": 0,
              "QWaitCondition::wait": 1}

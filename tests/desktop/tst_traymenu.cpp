@@ -69,9 +69,12 @@ void TrayMenuTest::iconAndMenuShow_data()
 {
     QTest::addColumn<QString>("tray");
     QTest::addColumn<int>("language");
-    for (const char *tray : {"xembed", "statusnotifier"})
-        for (const int language : {1, 2, 3})
-            QTest::addRow("%s-language-%d", tray, language) << QString::fromLatin1(tray) << language;
+    for (const QString &tray : {QStringLiteral("xembed"), QStringLiteral("statusnotifier")}) {
+        for (const int language : {1, 2, 3}) {
+            const QString row = QStringLiteral("%1-language-%2").arg(tray).arg(language);
+            QTest::newRow(qPrintable(row)) << tray << language;
+        }
+    }
 }
 
 void TrayMenuTest::iconAndMenuShow()
