@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 . scripts/packages.sh
-program=build/bin/mvsignpadsdk_wssvr
+program=build-demo/bin/mvsignpadsdk_wssvr
 output=$PWD/demo-output
 port=8089
 
@@ -17,22 +17,22 @@ fail() {
     exit 1
 }
 
+install_missing "${build_packages[@]}" procps
 if pgrep -f "${program##*/}" >/dev/null; then
     fail "the service is running already; end it through its tray menu and try again."
 fi
-install_missing "${build_packages[@]}" procps
 if (exec 3<>/dev/tcp/localhost/$port) 2>/dev/null; then
     fail "another program listens on port $port."
 fi
-cmake -S . -B build -G Ninja -DBUILD_TESTING=OFF
-cmake --build build
+cmake -S . -B build-demo -G Ninja
+cmake --build build-demo
 
 work=$(mktemp -d)
 started=()
 clean_up() {
     local i
     for ((i = ${#started[@]} - 1; i >= 0; i--)); do
-        kill "${started[i]}" 2>/dev/null && wait "${started[i]}" 2>/dev/null || true
+        if kill "${started[i]}" 2>/dev/null; then wait "${started[i]}" 2>/dev/null || true; fi
     done
     rm -rf "$work"
 }
@@ -52,7 +52,10 @@ start_desktop() {
     install_missing "${desktop_packages[@]}"
     Xvfb -displayfd 3 -screen 0 1024x768x24 3>"$work/display" 2>/dev/null &
     started+=($!)
-    for _ in {1..100}; do [ -s "$work/display" ] && break || sleep 0.1; done
+    for _ in {1..100}; do
+        [ ! -s "$work/display" ] || break
+        sleep 0.1
+    done
     [ -s "$work/display" ] || fail "Xvfb did not start."
     DISPLAY=:$(cat "$work/display")
     export DISPLAY
@@ -63,7 +66,7 @@ start_desktop() {
 
 # -- the service ----------------------------------------------------------------------------------------------------
 request() {
-    build/bin/mvsignctl --port "$port" --timeout 30 "$@"
+    build-demo/bin/mvsignctl --port "$port" --timeout 30 "$@"
 }
 # start_service WINDOW: with the pad's window (1) or without (0).
 start_service() {
@@ -74,7 +77,10 @@ start_service() {
         XDG_RUNTIME_DIR="${XDG_RUNTIME_DIR:-$work}" MVSIGNPAD_VIRTUAL_WINDOW="$1" "$program" &
     service=$!
     started+=("$service")
-    for _ in {1..300}; do request GetSize >/dev/null 2>&1 && return || sleep 0.1; done
+    for _ in {1..300}; do
+        ! request GetSize >/dev/null 2>&1 || return 0
+        sleep 0.1
+    done
     fail "the service did not start; is there a system tray?"
 }
 
@@ -116,7 +122,8 @@ wait_for_confirmation() {
     for _ in {1..600}; do
         key=$(request GetDeviceConfirmOrCancelKeyStatus)
         [ -t 1 ] && printf '\r  signing: %s points ' "$(request GetSize)"
-        [ "$key" = -1 ] && sleep 0.1 || break
+        [ "$key" = -1 ] || break
+        sleep 0.1
     done
     [ -t 1 ] && printf '\r'
     [ "$key" = 1 ] || fail "the signature was not confirmed."

@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # Sourced by the other scripts: what they need of Debian's packages, and how they get it.
 
 build_packages=(cmake ninja-build g++ qtbase5-dev libqt5websockets5-dev)
@@ -11,6 +12,7 @@ test_packages=("${isolation_packages[@]}" valgrind dbus openbox lxqt-panel deskt
 # The cross-compiler, the emulator, and the target's libraries beside the machine's own.
 arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5websockets5-dev:arm64)
 packaging_packages=(dpkg-dev lintian)
+format_packages=(clang-format-14 shellcheck)
 lint_packages=(clang python3-clang-14)
 fuzz_packages=("${isolation_packages[@]}" clang libclang-rt-dev)
 soak_packages=(gnuplot-nox)

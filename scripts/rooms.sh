@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # Sourced by the other scripts: the folders of the product's C++ sources.
 
 product_rooms=(app base device sdk service tools tray virtualpad)

@@ -6,8 +6,9 @@
 set -eu
 
 if [ "$1" != --inside ]; then
-    [ "$(id -u)" = 0 ] || map=--map-root-user
-    exec unshare ${map:-} --mount "$0" --inside "$@"
+    map=--map-root-user
+    [ "$(id -u)" != 0 ] || map=
+    exec unshare ${map:+"$map"} --mount "$0" --inside "$@"
 fi
 mount --bind "$2" /etc/os-release
 mount --bind "$3" /usr/share/applications
