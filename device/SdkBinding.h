@@ -43,3 +43,5 @@ SdkFunction(const char *, Pointer) -> SdkFunction<Pointer>;
 
 #define MV_SDK_VISIT(Model, name, result, parameters, ...)                                                             \
     MV_SDK_IF_MODEL_HAS(Model, __VA_ARGS__, visit("MV" #Model "_" #name, m_pfn_MV##Model##_##name);)
+
+MV_SDK_MODELS(MV_DEFINE_SDK_BINDING)

@@ -5,6 +5,7 @@
 #include "device/SdkBinding.h"
 #include "device/SdkTexts.h"
 #include "device/SignObjInterface.h"
+#include "sdk/SdkNumbers.h"
 
 #include <QByteArray>
 #include <QString>
@@ -112,7 +113,7 @@ template <class Sdk>
 QString SdkClient<Sdk>::ReadIdentifier(const char *operation, SdkFunction<int (*)(int, char *, int)> function)
 {
     MV_LOG_PAD(operation, "Enter...");
-    char buffer[32] = {};
+    char buffer[sdk::IdentifierBufferBytes] = {};
     CallAndLogResult(operation, function, buffer, static_cast<int>(sizeof buffer));
     QString strResult = TextFromBuffer(buffer, sizeof buffer);
     MV_LOG_PAD(operation, "Leave with strResult.length=%d", strResult.size());

@@ -19,23 +19,23 @@ QString TextFromBuffer(const char *buffer, std::size_t size)
 
 bool IsDeviceInfoType(int nType)
 {
-    return nType >= 1 && nType <= 7;
+    return nType >= sdk::ConnectedInfo && nType <= sdk::VersionInfo;
 }
 
 QString FormatDeviceInfo(int nType, const DeviceInfo &info)
 {
     switch (nType) {
-    case 1:
+    case sdk::ConnectedInfo:
         return info.bDeviceConnected != 0 ? QStringLiteral("true") : QStringLiteral("false");
-    case 2:
-    case 3:
+    case sdk::LcdSizeInfo:
+    case sdk::SamplingInfo:
         return QStringLiteral("%1,%2").arg(info.values[0]).arg(info.values[1]);
-    case 4:
+    case sdk::PressureInfo:
         return QStringLiteral("0,%1").arg(info.values[0]); // the leading zero is fixed text
-    case 5:
-    case 6:
+    case sdk::ProductInfo:
+    case sdk::SerialNumberInfo:
         return TextFromBuffer(info.text, sizeof info.text);
-    case 7:
+    case sdk::VersionInfo:
         return QStringLiteral("%1.%2").arg(info.values[0]).arg(info.values[1]);
     default:
         return {};

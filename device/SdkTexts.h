@@ -1,6 +1,8 @@
 // Texts and records as the maker's library hands them over. Nothing here trusts the library to terminate a text.
 #pragma once
 
+#include "sdk/SdkNumbers.h"
+
 #include <QString>
 
 #include <cstddef>
@@ -13,7 +15,7 @@ QString TextFromBuffer(const char *buffer, std::size_t size);
 
 /// What GetDeviceInfo fills, whatever the type: a flag, one or two ints, or a text.
 union DeviceInfo {
-    char text[256]; // the widest first, so that DeviceInfo{} clears it all
+    char text[sdk::InfoBufferBytes]; // the widest first, so that DeviceInfo{} clears it all
     int values[2];
     unsigned char bDeviceConnected;
 };

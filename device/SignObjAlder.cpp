@@ -1,6 +1,7 @@
 #include "device/SignObjAlder.h"
 
-#include "device/SignPadEvents.h"
+#include "device/LoggedAddress.h"
+#include "sdk/SdkNumbers.h"
 
 void SignObjAlderEventCallback(int /*nEventID*/) {}
 
@@ -48,9 +49,9 @@ void SignObjAlder::ProcessSignPadEvent(int nEventID)
 {
     MV_LOG_PAD("ProcessSignPadEvent", "Enter, nEventID=%d", nEventID);
     if (m_pfnSignPadEventCallback) {
-        if (nEventID == SIGNPAD_ENTER_BUTTON)
+        if (nEventID == sdk::SIGNPAD_ENTER_BUTTON)
             MV_LOG_PAD("ProcessSignPadEvent", "nEventID == SIGNPAD_ENTER_BUTTON");
-        else if (nEventID == SIGNPAD_CANCEL_BUTTON)
+        else if (nEventID == sdk::SIGNPAD_CANCEL_BUTTON)
             MV_LOG_PAD("ProcessSignPadEvent", "nEventID == SIGNPAD_CANCEL_BUTTON");
         m_pfnSignPadEventCallback(nEventID);
     }

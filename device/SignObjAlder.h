@@ -2,8 +2,6 @@
 
 #include "device/WithPenAndLcd.h"
 
-MV_DEFINE_SDK_BINDING(Alder, 2)
-
 /// The pad with a canvas for WPS and with pushed pictures and key events.
 class SignObjAlder : public WithPenAndLcd<AlderSdk>
 {

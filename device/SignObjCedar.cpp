@@ -6,7 +6,7 @@ QString SignObjCedar::GetFingerPrintImage(bool bFPImageOnly)
     return ReadChangedImage(
         "GetFingerPrintImage", ImageEvent::Fingerprint, m_strLastFPImageBase64Content, fnGetFPImageBase64Data(),
         fnFreeFPImageBase64Data(),
-        [bFPImageOnly](auto getPicture) { return getPicture(nDeviceID, 3, bFPImageOnly ? 1 : 0); },
+        [bFPImageOnly](auto getPicture) { return getPicture(nDeviceID, sdk::PngImage, bFPImageOnly ? 1 : 0); },
         "(strResult != m_strLastFPImageBase64Content)");
 }
 

@@ -2,8 +2,6 @@
 
 #include "device/WithPenAndLcd.h"
 
-MV_DEFINE_SDK_BINDING(Cedar, 7)
-
 /// The pad with a fingerprint sensor.
 class SignObjCedar : public WithPenAndLcd<CedarSdk>
 {

@@ -1,25 +1,14 @@
 #include "device/SignObjManager.h"
 
-#include "base/Logging.h"
+#include "device/LoggedAddress.h"
 #include "device/SignObjAlder.h"
 #include "device/SignObjBirch.h"
 #include "device/SignObjCedar.h"
 #include "device/SignObjMaple.h"
 #include "device/SignObjRowan.h"
-#include "device/SignPadEvents.h"
-
-#include <QByteArray>
-
-#include <utility>
-
-#define MV_LOG_MANAGER(operation, ...) MV_LOG_INSIDE_THREAD(LogTag(operation).constData(), __VA_ARGS__)
+#include "sdk/SdkNumbers.h"
 
 namespace {
-
-QByteArray LogTag(const char *operation)
-{
-    return QByteArray("SignObjManager::") + operation + "()";
-}
 
 template <class Model>
 std::unique_ptr<SignObjInterface> Create()
@@ -32,11 +21,8 @@ struct PadModel {
     std::unique_ptr<SignObjInterface> (*create)();
 };
 
-const PadModel padModels[] = {
-    {AlderSdk::nDeviceID, Create<SignObjAlder>}, {BirchSdk::nDeviceID, Create<SignObjBirch>},
-    {CedarSdk::nDeviceID, Create<SignObjCedar>}, {MapleSdk::nDeviceID, Create<SignObjMaple>},
-    {RowanSdk::nDeviceID, Create<SignObjRowan>},
-};
+#define MV_PAD_MODEL(Model, nDeviceID) {nDeviceID, Create<SignObj##Model>},
+const PadModel padModels[] = {MV_SDK_MODELS(MV_PAD_MODEL)};
 
 std::unique_ptr<SignObjInterface> CreatePadObject(int nID)
 {
@@ -48,53 +34,6 @@ std::unique_ptr<SignObjInterface> CreatePadObject(int nID)
 }
 
 } // namespace
-
-/// How an operation with a number or a flag as its result writes it.
-struct SignObjManager::NumberLog {
-    const char *operation;
-    const char *resultName = "bResult";
-    const char *leave = "Leave,";
-};
-
-template <class... Parameters, class... Arguments>
-void SignObjManager::Forward(const char *operation, void (SignObjInterface::*target)(Parameters...),
-                             Arguments &&...arguments)
-{
-    if (m_pCurrentActiveSignObj) {
-        ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
-        MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s()", operation);
-    }
-    MV_LOG_MANAGER(operation, "Leave !");
-}
-
-template <class Number, class... Parameters, class... Arguments>
-Number SignObjManager::ForwardNumber(const NumberLog &log, Number noObject,
-                                     Number (SignObjInterface::*target)(Parameters...), Arguments &&...arguments)
-{
-    Number result = noObject;
-    if (m_pCurrentActiveSignObj) {
-        result = ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
-        MV_LOG_MANAGER(log.operation, "after call m_pCurrentActiveSignObj->%s(), %s=%d", log.operation, log.resultName,
-                       result);
-    }
-    MV_LOG_MANAGER(log.operation, "%s %s=%d", log.leave, log.resultName, result);
-    return result;
-}
-
-template <class... Parameters, class... Arguments>
-QString SignObjManager::ForwardText(const char *operation, const char *loggedCall, const char *noObject,
-                                    QString (SignObjInterface::*target)(Parameters...), Arguments &&...arguments)
-{
-    QString strResult;
-    if (m_pCurrentActiveSignObj) {
-        strResult = ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
-        MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s()", loggedCall);
-    } else {
-        strResult = QLatin1String(noObject);
-    }
-    MV_LOG_MANAGER(operation, "Leave with strResult.length=%d", strResult.size());
-    return strResult;
-}
 
 SignObjManager::SignObjManager()
 {
@@ -124,7 +63,7 @@ bool SignObjManager::InitialDevice(int nID, int nWidth, int nHeight)
         DeletePadObject("InitialDevice"); // before the next one loads the library
     }
     m_pCurrentActiveSignObj = CreatePadObject(nID);
-    return ForwardNumber({"InitialDevice"}, false, &SignObjInterface::InitialDevice, nID, nWidth, nHeight);
+    return Forward({"InitialDevice"}, &SignObjInterface::InitialDevice, nID, nWidth, nHeight);
 }
 
 bool SignObjManager::UnInitialDevice()
@@ -143,7 +82,7 @@ bool SignObjManager::UnInitialDevice()
 bool SignObjManager::IsValid()
 {
     MV_LOG_MANAGER("IsValid", "Enter...");
-    return ForwardNumber({"IsValid"}, false, &SignObjInterface::IsValid);
+    return Forward({"IsValid"}, &SignObjInterface::IsValid);
 }
 
 void SignObjManager::Clear()
@@ -155,13 +94,13 @@ void SignObjManager::Clear()
 int SignObjManager::GetSize()
 {
     MV_LOG_MANAGER("GetSize", "Enter...");
-    return ForwardNumber({"GetSize", "nInksCount"}, 0, &SignObjInterface::GetSize);
+    return Forward({"GetSize", 0, "nInksCount"}, &SignObjInterface::GetSize);
 }
 
 QString SignObjManager::GetPointer()
 {
     MV_LOG_MANAGER("GetPointer", "Enter...");
-    return ForwardText("GetPointer", "GetPointer", "[]", &SignObjInterface::GetPointer);
+    return Forward({"GetPointer", QStringLiteral("[]")}, &SignObjInterface::GetPointer);
 }
 
 void SignObjManager::SetPenWidth(int nWidth)
@@ -209,97 +148,94 @@ void SignObjManager::OpenLCD()
 int SignObjManager::GetDeviceConfirmOrCancelKeyStatus()
 {
     MV_LOG_MANAGER("GetDeviceConfirmOrCancelKeyStatus", "Enter...");
-    // -1, where a pad without keys would answer 0: on purpose.
-    return ForwardNumber({"GetDeviceConfirmOrCancelKeyStatus", "nKeyStatus", "Leave with"}, -1,
-                         &SignObjInterface::GetDeviceConfirmOrCancelKeyStatus);
+    // Where a pad without keys would answer 0: on purpose.
+    return Forward({"GetDeviceConfirmOrCancelKeyStatus", sdk::SIGNPAD_NO_BUTTON, "nKeyStatus", "Leave with"},
+                   &SignObjInterface::GetDeviceConfirmOrCancelKeyStatus);
 }
 
 QString SignObjManager::GetAboutInfo()
 {
     MV_LOG_MANAGER("GetAboutInfo", "Enter...");
-    return ForwardText("GetAboutInfo", "GetAboutInfo", "", &SignObjInterface::GetAboutInfo);
+    return Forward({"GetAboutInfo"}, &SignObjInterface::GetAboutInfo);
 }
 
 QString SignObjManager::GetDeviceInfo(int nType)
 {
     MV_LOG_MANAGER("GetDeviceInfo", "Enter, nType=%d", nType);
-    return ForwardText("GetDeviceInfo", "GetDeviceInfo", "", &SignObjInterface::GetDeviceInfo, nType);
+    return Forward({"GetDeviceInfo"}, &SignObjInterface::GetDeviceInfo, nType);
 }
 
 QString SignObjManager::VersionID()
 {
     MV_LOG_MANAGER("VersionID", "Enter...");
-    return ForwardText("VersionID", "VersionID", "", &SignObjInterface::VersionID);
+    return Forward({"VersionID"}, &SignObjInterface::VersionID);
 }
 
 QString SignObjManager::PenID()
 {
     MV_LOG_MANAGER("PenID", "Enter...");
-    return ForwardText("PenID", "PenID", "", &SignObjInterface::PenID);
+    return Forward({"PenID"}, &SignObjInterface::PenID);
 }
 
 QString SignObjManager::PadID()
 {
     MV_LOG_MANAGER("PadID", "Enter...");
-    return ForwardText("PadID", "PadID", "", &SignObjInterface::PadID);
+    return Forward({"PadID"}, &SignObjInterface::PadID);
 }
 
 QString SignObjManager::Encode(int nType)
 {
     MV_LOG_MANAGER("Encode", "Enter, nType=%d", nType);
-    return ForwardText("Encode", "Encode", "", &SignObjInterface::Encode, nType);
+    return Forward({"Encode"}, &SignObjInterface::Encode, nType);
 }
 
 QString SignObjManager::Decode(int nType, QString strPath, QString strData)
 {
     MV_LOG_MANAGER("Decode", "Enter, nType=%d, strPath=%s, strData.length=%d", nType, strPath.toUtf8().constData(),
                    strData.size());
-    return ForwardText("Decode", "Decode", "", &SignObjInterface::Decode, nType, std::move(strPath),
-                       std::move(strData));
+    return Forward({"Decode"}, &SignObjInterface::Decode, nType, std::move(strPath), std::move(strData));
 }
 
 QString SignObjManager::GetDecodeFilePath()
 {
     MV_LOG_MANAGER("GetDecodeFilePath", "Enter...");
-    return ForwardText("GetDecodeFilePath", "GetDecodeFilePath", "", &SignObjInterface::GetDecodeFilePath);
+    return Forward({"GetDecodeFilePath"}, &SignObjInterface::GetDecodeFilePath);
 }
 
 QString SignObjManager::SaveDrawImage(int nType, int nDPI, QString strPath)
 {
     MV_LOG_MANAGER("SaveDrawImage", "Enter, nType=%d, nDPI=%d, strPath=%s", nType, nDPI, strPath.toUtf8().constData());
-    return ForwardText("SaveDrawImage", "SaveDrawImage", "", &SignObjInterface::SaveDrawImage, nType, nDPI,
-                       std::move(strPath));
+    return Forward({"SaveDrawImage"}, &SignObjInterface::SaveDrawImage, nType, nDPI, std::move(strPath));
 }
 
 QString SignObjManager::GetInks()
 {
     MV_LOG_MANAGER("GetInks", "Enter...");
-    return ForwardText("GetInks", "GetInks", "", &SignObjInterface::GetInks);
+    return Forward({"GetInks"}, &SignObjInterface::GetInks);
 }
 
 QString SignObjManager::GetOpaqueInks()
 {
     MV_LOG_MANAGER("GetOpaqueInks", "Enter...");
-    return ForwardText("GetOpaqueInks", "GetOpaqueInks", "", &SignObjInterface::GetOpaqueInks);
+    return Forward({"GetOpaqueInks"}, &SignObjInterface::GetOpaqueInks);
 }
 
 QString SignObjManager::WPSGetInks()
 {
     MV_LOG_MANAGER("WPSGetInks", "Enter...");
-    return ForwardText("WPSGetInks", "WPSGetInks", "", &SignObjInterface::WPSGetInks);
+    return Forward({"WPSGetInks"}, &SignObjInterface::WPSGetInks);
 }
 
 QString SignObjManager::GetSVGImageBase64Data()
 {
     MV_LOG_MANAGER("GetSVGImageBase64Data", "Enter...");
-    return ForwardText("GetSVGImageBase64Data", "GetSVGImageBase64Data", "", &SignObjInterface::GetSVGImageBase64Data);
+    return Forward({"GetSVGImageBase64Data"}, &SignObjInterface::GetSVGImageBase64Data);
 }
 
 QString SignObjManager::GetFingerPrintImage(bool bFPImageOnly)
 {
     MV_LOG_MANAGER("GetFingerPrintImage", "Enter, bFPImageOnly=%d", bFPImageOnly);
-    return ForwardText("GetFingerPrintImage", "GetFingerPrintImage", "", &SignObjInterface::GetFingerPrintImage,
-                       bFPImageOnly);
+    return Forward({"GetFingerPrintImage"}, &SignObjInterface::GetFingerPrintImage, bFPImageOnly);
 }
 
 void SignObjManager::SetDisplayedFPImageAt(int nCanvasWidth, int nCanvasHeight, int nFPLeft, int nFPTop, int nFPWidth,
@@ -316,9 +252,9 @@ QString SignObjManager::WPSSignConfirmed(bool bEnableDateTime, QString strName)
 {
     MV_LOG_MANAGER("WPSSignConfirmed", "Enter, bEnableDateTime=%d, strName=%s", bEnableDateTime,
                    strName.toUtf8().constData());
-    // Logged under the name of another call, on purpose.
-    return ForwardText("WPSSignConfirmed", "SaveDrawImage", "", &SignObjInterface::WPSSignConfirmed, bEnableDateTime,
-                       std::move(strName));
+    Forwarding<QString> forwarding{"WPSSignConfirmed"};
+    forwarding.szLoggedCall = "SaveDrawImage"; // the name of another call, on purpose
+    return Forward(forwarding, &SignObjInterface::WPSSignConfirmed, bEnableDateTime, std::move(strName));
 }
 
 bool SignObjManager::SetRealTimeSignBase64DataCallback(int nType, void (*pfnSignPadEventCallback)(int),
@@ -327,13 +263,13 @@ bool SignObjManager::SetRealTimeSignBase64DataCallback(int nType, void (*pfnSign
     MV_LOG_MANAGER("SetRealTimeSignBase64DataCallback",
                    "Enter, nType=%d, pfnSignPadEventCallback=%x,pfnSignBase64DataCallback=%x", nType,
                    LoggedAddress(pfnSignPadEventCallback), LoggedAddress(pfnSignBase64DataCallback));
-    return ForwardNumber({"SetRealTimeSignBase64DataCallback", "bRet", "Leave with"}, false,
-                         &SignObjInterface::SetRealTimeSignBase64DataCallback, nType, pfnSignPadEventCallback,
-                         pfnSignBase64DataCallback);
+    return Forward({"SetRealTimeSignBase64DataCallback", false, "bRet", "Leave with"},
+                   &SignObjInterface::SetRealTimeSignBase64DataCallback, nType, pfnSignPadEventCallback,
+                   pfnSignBase64DataCallback);
 }
 
 bool SignObjManager::InitialWPSSignCanvas(int nWidth, int nHeight)
 {
     MV_LOG_MANAGER("InitialWPSSignCanvas", "Enter, nWidth=%d, nHeight=%d", nWidth, nHeight);
-    return ForwardNumber({"InitialWPSSignCanvas"}, false, &SignObjInterface::InitialWPSSignCanvas, nWidth, nHeight);
+    return Forward({"InitialWPSSignCanvas"}, &SignObjInterface::InitialWPSSignCanvas, nWidth, nHeight);
 }

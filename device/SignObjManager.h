@@ -1,8 +1,14 @@
 #pragma once
 
+#include "base/Logging.h"
 #include "device/SignObjInterface.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 /// Holds the one live pad object, picks its model by device ID and forwards every operation to it. Without a pad
 /// object each operation answers with its neutral value: false, 0, -1 for the key status, "[]" for the points, an
@@ -53,18 +59,58 @@ public:
     bool InitialWPSSignCanvas(int nWidth, int nHeight);
 
 private:
-    struct NumberLog;
+    /// What an operation with a result writes and, without a pad object, answers.
+    template <class Result>
+    struct Forwarding {
+        const char *szOperation;
+        Result noObject{};
+        const char *szResult = std::is_same_v<Result, QString> ? "strResult.length" : "bResult";
+        const char *szLeave = std::is_same_v<Result, QString> ? "Leave with" : "Leave,";
+        const char *szLoggedCall = szOperation;
+    };
+
+    static QByteArray LogTag(const char *operation) { return QByteArray("SignObjManager::") + operation + "()"; }
+    static int LoggedValue(int result) { return result; }
+    static int LoggedValue(const QString &result) { return result.size(); }
 
     void DeletePadObject(const char *operation);
 
+    template <class Result, class... Parameters, class... Arguments>
+    Result Forward(const Forwarding<Result> &forwarding, Result (SignObjInterface::*target)(Parameters...),
+                   Arguments &&...arguments);
     template <class... Parameters, class... Arguments>
     void Forward(const char *operation, void (SignObjInterface::*target)(Parameters...), Arguments &&...arguments);
-    template <class Number, class... Parameters, class... Arguments>
-    Number ForwardNumber(const NumberLog &log, Number noObject, Number (SignObjInterface::*target)(Parameters...),
-                         Arguments &&...arguments);
-    template <class... Parameters, class... Arguments>
-    QString ForwardText(const char *operation, const char *loggedCall, const char *noObject,
-                        QString (SignObjInterface::*target)(Parameters...), Arguments &&...arguments);
 
     std::unique_ptr<SignObjInterface> m_pCurrentActiveSignObj;
 };
+
+#define MV_LOG_MANAGER(operation, ...) MV_LOG_INSIDE_THREAD(LogTag(operation).constData(), __VA_ARGS__)
+
+template <class Result, class... Parameters, class... Arguments>
+Result SignObjManager::Forward(const Forwarding<Result> &forwarding, Result (SignObjInterface::*target)(Parameters...),
+                               Arguments &&...arguments)
+{
+    const char *const operation = forwarding.szOperation;
+    Result result = forwarding.noObject;
+    if (m_pCurrentActiveSignObj) {
+        result = ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
+        if constexpr (std::is_same_v<Result, QString>)
+            MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s()", forwarding.szLoggedCall);
+        else
+            MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s(), %s=%d", forwarding.szLoggedCall,
+                           forwarding.szResult, result);
+    }
+    MV_LOG_MANAGER(operation, "%s %s=%d", forwarding.szLeave, forwarding.szResult, LoggedValue(result));
+    return result;
+}
+
+template <class... Parameters, class... Arguments>
+void SignObjManager::Forward(const char *operation, void (SignObjInterface::*target)(Parameters...),
+                             Arguments &&...arguments)
+{
+    if (m_pCurrentActiveSignObj) {
+        ((*m_pCurrentActiveSignObj).*target)(std::forward<Arguments>(arguments)...);
+        MV_LOG_MANAGER(operation, "after call m_pCurrentActiveSignObj->%s()", operation);
+    }
+    MV_LOG_MANAGER(operation, "Leave !");
+}

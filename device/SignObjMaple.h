@@ -2,8 +2,6 @@
 
 #include "device/SignObjModel.h"
 
-MV_DEFINE_SDK_BINDING(Maple, 3)
-
 class SignObjMaple : public SignObjModel<MapleSdk>
 {
 };

@@ -18,6 +18,9 @@ static_assert(offsetof(_STRUCT_INK_POINT_DATA, x) == 4 && offsetof(_STRUCT_INK_P
                   && offsetof(_STRUCT_INK_POINT_DATA, bStrokeEnd) == 10 && sizeof(_STRUCT_INK_POINT_DATA) == 12,
               "the record's layout belongs to the maker's library");
 
+/// The pad models with their device IDs, in the order of the columns below.
+#define MV_SDK_MODELS(MODEL) MODEL(Alder, 2) MODEL(Birch, 5) MODEL(Cedar, 7) MODEL(Maple, 3) MODEL(Rowan, 4)
+
 // clang-format off
 
 // Every function of every family, in the order in which a model resolves them. An exported name is "MV", the model's

@@ -5,7 +5,7 @@
 #include "base/QtCompat.h"
 #include "device/InkJson.h"
 #include "device/SignObjManager.h"
-#include "device/SignPadEvents.h"
+#include "sdk/SdkNumbers.h"
 #include "service/ClientConnections.h"
 #include "service/CommandTable.h"
 #include "service/RunCommand.h"
@@ -229,9 +229,9 @@ void WebSocketService::ProcessSignPadEvent(int nEventID)
 {
     static const char tag[] = "WebSocketService::ProcessSignPadEvent()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, nEventID=%d", nEventID);
-    const char *const loggedEvent = nEventID == SIGNPAD_ENTER_BUTTON    ? "nEventID == SIGNPAD_ENTER_BUTTON..."
-                                    : nEventID == SIGNPAD_CANCEL_BUTTON ? "nEventID == SIGNPAD_CANCEL_BUTTON..."
-                                                                        : nullptr;
+    const char *const loggedEvent = nEventID == sdk::SIGNPAD_ENTER_BUTTON    ? "nEventID == SIGNPAD_ENTER_BUTTON..."
+                                    : nEventID == sdk::SIGNPAD_CANCEL_BUTTON ? "nEventID == SIGNPAD_CANCEL_BUTTON..."
+                                                                             : nullptr;
     // The same message as the reply of the command: a client tells a push by not having asked, on purpose.
     SendToAllClients(ReplyEnvelope(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus"), QString::number(nEventID)), tag,
                      loggedEvent);
@@ -262,16 +262,26 @@ void WebSocketService::SendToAllClients(const QByteArray &responseMsg, const cha
 
 void WebSocketServiceSignPadEventCallback(int nEventID)
 {
-    QMutexLocker lock(&pushTargetMutex);
-    if (g_pWebSocketService)
-        QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignPadEvent", Qt::QueuedConnection,
-                                  Q_ARG(int, nEventID));
+    static const char tag[] = "WebSocketServiceSignPadEventCallback()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter, nEventID=%d", nEventID);
+    {
+        QMutexLocker lock(&pushTargetMutex);
+        if (g_pWebSocketService)
+            QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignPadEvent", Qt::QueuedConnection,
+                                      Q_ARG(int, nEventID));
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
 void WebSocketServiceSignBase64DataCallback(char *pData)
 {
-    QMutexLocker lock(&pushTargetMutex);
-    if (g_pWebSocketService)
-        QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignBase64Data", Qt::QueuedConnection,
-                                  Q_ARG(QByteArray, CopyOf(pData)));
+    static const char tag[] = "WebSocketServiceSignBase64DataCallback()";
+    MV_LOG_INSIDE_THREAD(tag, "Enter...");
+    {
+        QMutexLocker lock(&pushTargetMutex);
+        if (g_pWebSocketService)
+            QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignBase64Data", Qt::QueuedConnection,
+                                      Q_ARG(QByteArray, CopyOf(pData)));
+    }
+    MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }

@@ -362,8 +362,5 @@ int virtualpad_GetDecodeInkPointData(int nDeviceID, int nIndex, int nField)
     MV_SDK_IF_MODEL_HAS(Model, __VA_ARGS__,                                                                            \
                         extern "C" __attribute__((visibility("default"), alias("virtualpad_" #name)))                  \
                         result MV##Model##_##name parameters;)
-MV_SDK_FUNCTIONS(EXPORT, Alder)
-MV_SDK_FUNCTIONS(EXPORT, Birch)
-MV_SDK_FUNCTIONS(EXPORT, Cedar)
-MV_SDK_FUNCTIONS(EXPORT, Maple)
-MV_SDK_FUNCTIONS(EXPORT, Rowan)
+#define EXPORT_FAMILY(Model, nDeviceID) MV_SDK_FUNCTIONS(EXPORT, Model)
+MV_SDK_MODELS(EXPORT_FAMILY)
