@@ -45,6 +45,8 @@ private Q_SLOTS:
     void deliversNothingBeforeRegistration();
     void eitherFunctionMayBeNull();
     void laterRegistrationReplaces();
+    void storedBeforeTheyAreRegistered();
+    void forgottenBeforeThePadIsClosed();
     void unInitialDeviceForgetsThem_data();
     void unInitialDeviceForgetsThem();
     void withoutLibraryTheyAreStillStored();
@@ -128,6 +130,31 @@ void TestCallbacks::laterRegistrationReplaces()
     expect("MVAlder_SetRealTimeSignBase64DataCallback(2, 0, callback)", number(1));
     pad.SetRealTimeSignBase64DataCallback(0, nullptr, nullptr);
     deliver(pad);
+    QCOMPARE(keys, std::vector<int>());
+    QCOMPARE(pictures, std::vector<char *>());
+}
+
+/// The library may call back as soon as it is told to.
+void TestCallbacks::storedBeforeTheyAreRegistered()
+{
+    SignObjAlder pad;
+    recording::Answer registered = number(1);
+    registered.effect = [&pad] { deliver(pad); };
+    expect("MVAlder_SetRealTimeSignBase64DataCallback(2, 1, callback)", registered);
+    pad.SetRealTimeSignBase64DataCallback(1, onKey, onPicture);
+    QCOMPARE(keys, std::vector<int>({1}));
+    QCOMPARE(pictures, std::vector<char *>({picture}));
+}
+
+void TestCallbacks::forgottenBeforeThePadIsClosed()
+{
+    SignObjAlder pad;
+    expect("MVAlder_SetRealTimeSignBase64DataCallback(2, 1, callback)", number(1));
+    pad.SetRealTimeSignBase64DataCallback(1, onKey, onPicture);
+    recording::Answer closed = number(0);
+    closed.effect = [&pad] { deliver(pad); };
+    expect("MVAlder_UnInitialDevice(2)", closed);
+    QCOMPARE(pad.UnInitialDevice(), true);
     QCOMPARE(keys, std::vector<int>());
     QCOMPARE(pictures, std::vector<char *>());
 }

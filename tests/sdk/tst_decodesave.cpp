@@ -18,6 +18,7 @@ private Q_SLOTS:
     void decodePath();
     void decodeKeepsThePathOfTheLastCall();
     void decodeKeepsThePathOfARejectedCall();
+    void decodeKeepsThePathBeforeTheCall();
     void decodeKeepsThePathWithoutTheFunction();
     void decodeData_data();
     void decodeData();
@@ -101,6 +102,16 @@ void TestDecodeSave::decodeKeepsThePathOfARejectedCall()
     expectCall("MV*_GetTotalDecodeInkPointsNumber(ID)", number(0));
     QCOMPARE(pad().Decode(6, QStringLiteral("a.png"), QStringLiteral("rubbish")), QStringLiteral("[]"));
     QCOMPARE(pad().GetDecodeFilePath(), QStringLiteral("/tmp/a.png"));
+}
+
+void TestDecodeSave::decodeKeepsThePathBeforeTheCall()
+{
+    recording::Answer decoded = number(0);
+    QString pathInTheCall;
+    decoded.effect = [this, &pathInTheCall] { pathInTheCall = pad().GetDecodeFilePath(); };
+    expectCall(R"(MV*_Base64Decode(ID, 1, "QUJD", "/tmp/a.png"))", decoded);
+    pad().Decode(1, QStringLiteral("a.png"), QStringLiteral("QUJD"));
+    QCOMPARE(pathInTheCall, QStringLiteral("/tmp/a.png"));
 }
 
 void TestDecodeSave::decodeKeepsThePathWithoutTheFunction()

@@ -2,6 +2,7 @@
 /// name band on top, drawing flush right below it, date band at the bottom.
 
 #include "base/QtCompat.h"
+#include "device/SignObjAlder.h"
 #include "tests/sdk/support/ModelTestCase.h"
 
 #include <QBuffer>
@@ -10,6 +11,7 @@
 #include <QImage>
 #include <QPainter>
 
+#include <ctime>
 #include <limits>
 
 namespace {
@@ -125,6 +127,7 @@ public:
     using ModelTestCase::ModelTestCase;
 
 private Q_SLOTS:
+    void initTestCase();
     void init();
     void cleanup();
 
@@ -133,11 +136,13 @@ private Q_SLOTS:
     void picture_data();
     void picture();
     void blendsHalfTransparentInk();
+    void keepsFaintInk();
     void drawingWithoutAlpha();
     void layoutInWords();
     void textIsBlack();
     void resolution();
     void nextPictureReplacesTheLast();
+    void savesThroughTheObjectsOwnOperation();
     void saveError_data();
     void saveError();
     void positiveCodeGoesOn();
@@ -157,6 +162,14 @@ private:
     QString confirmWithDate(const QImage &drawing, const QString &strName, QString &date, int code = 0);
 };
 
+/// Far from UTC, so that only the local time is the expected date.
+void TestWpsPicture::initTestCase()
+{
+    ModelTestCase::initTestCase();
+    qputenv("TZ", "TEST-5:45");
+    tzset();
+}
+
 void TestWpsPicture::init()
 {
     ModelTestCase::init();
@@ -173,9 +186,8 @@ QString TestWpsPicture::confirm(const QImage &drawing, bool bEnableDateTime, con
 {
     recording::Answer save = number(code);
     save.effect = [drawing] {
-        if (!drawing.isNull()) {
-            QVERIFY(drawing.save(drawingPath));
-        }
+        if (!drawing.isNull() && !drawing.save(drawingPath))
+            qFatal("The library cannot save %s.", qPrintable(drawingPath));
     };
     expectCall("MV*_SetSaveClipImageMargin(ID, 1, 5, 5)");
     expectCall(R"(MV*_SaveDrawingImage(ID, 3, "/tmp/MVeSignWPS.png", 300))", save);
@@ -252,6 +264,20 @@ void TestWpsPicture::blendsHalfTransparentInk()
     const QImage picture(composedPath);
     QCOMPARE(picture.pixel(picture.width() - 2, picture.height() - 1), qRgba(255, 0, 0, 51));
     QCOMPARE(picture.pixel(picture.width() - 1, picture.height() - 1), qRgba(0, 255, 0, 204));
+}
+
+/// A premultiplied canvas has hardly any colours left for ink that is as faint as this.
+void TestWpsPicture::keepsFaintInk()
+{
+    QImage drawing(64, 1, QImage::Format_ARGB32);
+    drawing.fill(qRgba(200, 100, 50, 3));
+    QCOMPARE(confirm(drawing, false, QStringLiteral("i")), composedPath);
+    const QImage picture(composedPath);
+    const QRgb pixel = picture.pixel(picture.width() - 1, picture.height() - 1);
+    QCOMPARE(qAlpha(pixel), 3);
+    QVERIFY(qAbs(qRed(pixel) - 200) < 10); // premultiplied: 170
+    QVERIFY(qAbs(qGreen(pixel) - 100) < 10);
+    QVERIFY(qAbs(qBlue(pixel) - 50) < 10);
 }
 
 void TestWpsPicture::drawingWithoutAlpha()
@@ -332,6 +358,25 @@ void TestWpsPicture::nextPictureReplacesTheLast()
     QCOMPARE(confirm(drawingOf(300, 200), false, QStringLiteral("Ada Lovelace")), composedPath);
     QCOMPARE(confirm(drawingOf(5, 6), false, QStringLiteral("B")), composedPath);
     QCOMPARE(difference(QImage(composedPath), composed(drawingOf(5, 6), QStringLiteral("B"), QString())), QString());
+}
+
+void TestWpsPicture::savesThroughTheObjectsOwnOperation()
+{
+    class OtherFiles : public SignObjAlder
+    {
+    public:
+        QString SaveDrawImage(int nType, int nDPI, QString strPath) override
+        {
+            asked = QStringLiteral("%1, %2, %3").arg(nType).arg(nDPI).arg(strPath);
+            return QStringLiteral("-7");
+        }
+        void SetClip(int nWidth, int nHeight) override { clip = QSize(nWidth, nHeight); }
+        QString asked;
+        QSize clip;
+    } pad;
+    QCOMPARE(pad.WPSSignConfirmed(true, QStringLiteral("Ada")), QStringLiteral("-7"));
+    QCOMPARE(pad.asked, QStringLiteral("3, 300, MVeSignWPS.png"));
+    QCOMPARE(pad.clip, QSize(5, 5));
 }
 
 void TestWpsPicture::saveError_data()

@@ -28,7 +28,8 @@ private Q_SLOTS:
 
 private:
     /// Puts a pgrep first (and alone) on the search path that runs these shell commands.
-    void usePgrep(const QByteArray &commands);
+    /// Puts a pgrep of these shell commands into the place of the real one; false when that fails.
+    bool usePgrep(const QByteArray &commands);
 
     QByteArray m_path;
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -46,14 +47,15 @@ void DetectSingleInstanceTest::cleanup()
     qputenv("PATH", m_path);
 }
 
-void DetectSingleInstanceTest::usePgrep(const QByteArray &commands)
+bool DetectSingleInstanceTest::usePgrep(const QByteArray &commands)
 {
     QFile script(m_directory->filePath(QStringLiteral("pgrep")));
-    QVERIFY(script.open(QIODevice::WriteOnly));
+    if (!script.open(QIODevice::WriteOnly))
+        return false;
     script.write("#!/bin/sh\n" + commands + "\n");
     script.close();
-    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("PATH", QFile::encodeName(m_directory->path()));
+    return script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 void DetectSingleInstanceTest::answerIsCountedInParts_data()
@@ -78,7 +80,7 @@ void DetectSingleInstanceTest::answerIsCountedInParts()
 {
     QFETCH(QByteArray, answer);
     QFETCH(bool, running);
-    usePgrep("printf '" + answer + "'");
+    QVERIFY(usePgrep("printf '" + answer + "'"));
     DetectSigngleInstance detector(nullptr);
     QCOMPARE(detector.IsProcessRunning(QStringLiteral("anything")), running);
 }
@@ -86,7 +88,7 @@ void DetectSingleInstanceTest::answerIsCountedInParts()
 void DetectSingleInstanceTest::asksPgrepForTheWholeCommandLine()
 {
     const QByteArray record = QFile::encodeName(m_directory->filePath(QStringLiteral("arguments")));
-    usePgrep("printf '%s|' \"$@\" > '" + record + "'");
+    QVERIFY(usePgrep("printf '%s|' \"$@\" > '" + record + "'"));
     DetectSigngleInstance detector(nullptr);
     detector.IsProcessRunning(QStringLiteral("a name; touch /tmp/x $(y) 签"));
     QFile file(QFile::decodeName(record));
@@ -97,7 +99,7 @@ void DetectSingleInstanceTest::asksPgrepForTheWholeCommandLine()
 void DetectSingleInstanceTest::singleInstanceAsksForTheFileName()
 {
     const QByteArray record = QFile::encodeName(m_directory->filePath(QStringLiteral("arguments")));
-    usePgrep("printf '%s|' \"$@\" > '" + record + "'");
+    QVERIFY(usePgrep("printf '%s|' \"$@\" > '" + record + "'"));
     DetectSigngleInstance detector(nullptr);
     QVERIFY(detector.IsSingleInstance());
     QFile file(QFile::decodeName(record));
@@ -108,9 +110,9 @@ void DetectSingleInstanceTest::singleInstanceAsksForTheFileName()
 void DetectSingleInstanceTest::singleInstanceIsTheOpposite()
 {
     DetectSigngleInstance detector(nullptr);
-    usePgrep("printf '4711\\n'");
+    QVERIFY(usePgrep("printf '4711\\n'"));
     QCOMPARE(detector.IsSingleInstance(), true);
-    usePgrep("printf '4711\\n4712\\n'");
+    QVERIFY(usePgrep("printf '4711\\n4712\\n'"));
     QCOMPARE(detector.IsSingleInstance(), false);
 }
 
@@ -127,14 +129,14 @@ void DetectSingleInstanceTest::missingPgrepCountsAsAlone()
 
 void DetectSingleInstanceTest::failingPgrepCountsAsAlone()
 {
-    usePgrep("kill -9 $$");
+    QVERIFY(usePgrep("kill -9 $$"));
     DetectSigngleInstance detector(nullptr);
     QCOMPARE(detector.IsProcessRunning(QStringLiteral("anything")), false);
 }
 
 void DetectSingleInstanceTest::exitStatusOfPgrepDoesNotMatter()
 {
-    usePgrep("printf '4711\\n4712\\n'; echo trouble >&2; exit 3");
+    QVERIFY(usePgrep("printf '4711\\n4712\\n'; echo trouble >&2; exit 3"));
     DetectSigngleInstance detector(nullptr);
     QCOMPARE(detector.IsProcessRunning(QStringLiteral("anything")), true);
 }

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QImage>
 #include <QTest>
+#include <QThread>
 
 namespace {
 
@@ -46,13 +47,16 @@ private Q_SLOTS:
     void initialDeviceTakesTheModelByItsNumber();
     void confirmedSignatureTakesTwoSettings_data();
     void confirmedSignatureTakesTwoSettings();
+    void confirmedSignatureAsksTheDateFlag();
     void clientsShareOnePad();
+    void padIsCalledOnTheServiceThread();
     void padIsReleasedWhenTheServiceStops();
     void padIsReleasedAfterTheClients();
     void restartForgetsThePad();
 
 private:
-    void startPad(int id);
+    /// Initialises the pad of this device ID; false when that fails.
+    bool startPad(int id);
     QString ask(const QString &command) { return m_client->command(command); }
 
     PrivateHome m_home;
@@ -90,7 +94,7 @@ void DispatchTest::cleanup()
     m_warnings.reset();
 }
 
-void DispatchTest::startPad(int id)
+bool DispatchTest::startPad(int id)
 {
     const char *const families[] = {"Alder", "Maple", "Rowan", "Birch", nullptr, "Cedar"};
     const char *const releases[] = {"MVAlder_UnInitialDevice(2)",
@@ -102,9 +106,9 @@ void DispatchTest::startPad(int id)
     const QString call =
         QStringLiteral("MV%1_InitialDevice(%2, null, 0, 0, 400, 300)").arg(QLatin1String(families[id - 2])).arg(id);
     expect(call.toStdString(), number(1));
-    QCOMPARE(ask(QStringLiteral("InitialDevice?id=%1&width=400&height=300").arg(id)),
-             QStringLiteral(R"({"API":"InitialDevice","Result":"1"})"));
+    const QString reply = ask(QStringLiteral("InitialDevice?id=%1&width=400&height=300").arg(id));
     m_release = releases[id - 2];
+    return reply == QLatin1String(R"({"API":"InitialDevice","Result":"1"})");
 }
 
 void DispatchTest::reachesTheLibrary_data()
@@ -298,7 +302,7 @@ void DispatchTest::reachesTheLibrary()
     QFETCH(QString, command);
     QFETCH(Script, script);
     QFETCH(QString, reply);
-    startPad(pad);
+    QVERIFY(startPad(pad));
     for (const Scripted &step : script) {
         const QString call =
             QString::fromUtf8(step.call).replace(QLatin1String("PORT"), QString::number(m_service->port()));
@@ -363,7 +367,7 @@ void DispatchTest::wrongCountReachesNothing_data()
 void DispatchTest::wrongCountReachesNothing()
 {
     QFETCH(QString, command);
-    startPad(2);
+    QVERIFY(startPad(2));
     QCOMPARE(ask(command), QString::fromLatin1(invalid));
 }
 
@@ -486,7 +490,7 @@ void DispatchTest::confirmedSignatureTakesTwoSettings()
     QFETCH(bool, stamped);
     QCOMPARE(ask(QStringLiteral("UpdateWPSSettings?id=2&dt=0&af=1&pw=9&name=Signer")),
              QStringLiteral(R"({"API":"UpdateWPSSettings","Result":"0"})"));
-    startPad(2);
+    QVERIFY(startPad(2));
     expect("MVAlder_SetSaveClipImageMargin(2, 1, 5, 5)", number(0));
     recording::Answer saved = number(0);
     saved.effect = [] {
@@ -503,9 +507,35 @@ void DispatchTest::confirmedSignatureTakesTwoSettings()
     QCOMPARE(QFile::exists(QStringLiteral("/tmp/MVeSignWPS_dt_name.png")), stamped);
 }
 
+/// Fitting the picture is the office suite's own business.
+void DispatchTest::confirmedSignatureAsksTheDateFlag()
+{
+    QVERIFY(startPad(2));
+    const auto confirmed = [this](const char *settings) {
+        ask(QStringLiteral("UpdateWPSSettings?id=1&pw=3&name=&") + QLatin1String(settings));
+        expect("MVAlder_SetSaveClipImageMargin(2, 1, 5, 5)", number(0));
+        expect(R"(MVAlder_SaveDrawingImage(2, 3, "/tmp/MVeSignWPS.png", 300))", number(0));
+        return ask(QStringLiteral("WPSSignConfirmed?id=1"));
+    };
+    QCOMPARE(confirmed("dt=0&af=1"), QStringLiteral(R"({"API":"WPSSignConfirmed","Result":"/tmp/MVeSignWPS.png"})"));
+    QCOMPARE(confirmed("dt=1&af=0"),
+             QStringLiteral(R"({"API":"WPSSignConfirmed","Result":"/tmp/MVeSignWPS_dt_name.png"})"));
+}
+
+void DispatchTest::padIsCalledOnTheServiceThread()
+{
+    QVERIFY(startPad(2));
+    const QThread *caller = nullptr;
+    recording::Answer cleared;
+    cleared.effect = [&caller] { caller = QThread::currentThread(); };
+    expect("MVAlder_Clear(2)", cleared);
+    QCOMPARE(ask(QStringLiteral("Clear")), QStringLiteral(R"({"API":"Clear","Result":"0"})"));
+    QCOMPARE(caller, m_service->thread());
+}
+
 void DispatchTest::clientsShareOnePad()
 {
-    startPad(2);
+    QVERIFY(startPad(2));
     SignClient second;
     QVERIFY(second.connectTo(m_service->port()));
     expect("MVAlder_SetPenWidth(2, 3)", number(0));
@@ -521,7 +551,7 @@ void DispatchTest::clientsShareOnePad()
 
 void DispatchTest::padIsReleasedWhenTheServiceStops()
 {
-    startPad(5);
+    QVERIFY(startPad(5));
     QVERIFY(recorder().isLoaded());
     expect("MVBirch_UnInitialDevice(5)", number(0));
     m_release = nullptr;
@@ -531,7 +561,7 @@ void DispatchTest::padIsReleasedWhenTheServiceStops()
 
 void DispatchTest::padIsReleasedAfterTheClients()
 {
-    startPad(2);
+    QVERIFY(startPad(2));
     // While the pad is being released the connection is closed already: the sockets go first.
     recording::Answer released = number(0);
     bool closedBefore = false;
@@ -544,7 +574,7 @@ void DispatchTest::padIsReleasedAfterTheClients()
 
 void DispatchTest::restartForgetsThePad()
 {
-    startPad(2);
+    QVERIFY(startPad(2));
     expect("MVAlder_GetTotalInkPointsNumber(2)", number(3));
     QCOMPARE(ask(QStringLiteral("GetSize")), QStringLiteral(R"({"API":"GetSize","Result":"3"})"));
     expect("MVAlder_UnInitialDevice(2)", number(0));

@@ -455,8 +455,11 @@ void PushTest::fourThreadsLoseNothing()
         QVERIFY(client->waitForMessages(1000));
     pushers.finish();
     QCOMPARE(pushers.pushedInAll(), 1000);
-    for (const auto &client : clients)
+    for (const auto &client : clients) {
         compareComplete(*client, pushers);
+        if (QTest::currentTestFailed())
+            return;
+    }
 }
 
 void PushTest::clientsComeAndGoMeanwhile()
@@ -474,6 +477,8 @@ void PushTest::clientsComeAndGoMeanwhile()
         }
         for (std::size_t i = 0; i < visitors.size(); ++i) {
             compareGapless(*visitors[i], false);
+            if (QTest::currentTestFailed())
+                return;
             if (i % 2)
                 visitors[i]->abort();
             else
@@ -484,6 +489,8 @@ void PushTest::clientsComeAndGoMeanwhile()
     for (const auto &client : stayers) {
         QVERIFY(client->waitForMessages(pushers.pushedInAll()));
         compareComplete(*client, pushers);
+        if (QTest::currentTestFailed())
+            return;
     }
 }
 
@@ -502,8 +509,11 @@ void PushTest::serviceIsStoppedMeanwhile()
         QTRY_VERIFY_WITH_TIMEOUT(pushers.pushedInAll() > pushedBefore + 20,
                                  patienceMs); // they go on calling although nobody is there
         pushers.finish();
-        for (const auto &client : clients)
+        for (const auto &client : clients) {
             compareGapless(*client, true);
+            if (QTest::currentTestFailed())
+                return;
+        }
         m_service->start();
         QVERIFY(m_service->waitUntilListening());
     }

@@ -34,10 +34,16 @@ private Q_SLOTS:
     void commandNames();
     void keyEvents();
     void images();
+    void callbacksWithoutAService();
 
 private:
-    /// Stops the service and checks that its lines came in this order, others between them allowed.
-    void compareInOrder(const QStringList &expected);
+    /// Stops the service and compares all its lines: those of its start with a client, these, and those of its end.
+    void compareLines(const QStringList &expected);
+    /// The lines of a client that comes.
+    static QStringList connectionLines();
+    /// What follows a client's request, up to its reply.
+    QStringList requestLines(const QString &request, const QStringList &inTheDispatcher) const;
+    QStringList enablePushes();
 
     PrivateHome m_home;
     std::unique_ptr<RunningService> m_service;
@@ -63,10 +69,54 @@ void ServiceLogTest::cleanup()
     removeLogs();
 }
 
-void ServiceLogTest::compareInOrder(const QStringList &expected)
+void ServiceLogTest::compareLines(const QStringList &expected)
 {
     m_service->stop();
-    QCOMPARE(flawOfLog(threadLog(), expected), QString());
+    const QString port = QString::number(m_service->port());
+    const QStringList start{
+        logLine("WebSocketThread::WebSocketThread()", QStringLiteral("Enter, nWebSocketPort=") + port),
+        logLine("WebSocketThread::WebSocketThread()", "Leave !"),
+        logLine("WebSocketThread::run()", "Enter..."),
+        logLine("WebSocketService::WebSocketService()", QStringLiteral("Enter, m_nPort=") + port),
+        logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Enter..."),
+        logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Leave !"),
+        logLine("WebSocketService::SetupMVSignPadSDKAPINameList()", "Enter..."),
+        logLine("WebSocketService::SetupMVSignPadSDKAPINameList()", "Leave !"),
+        logLine("SignObjManager::SignObjManager()", "Enter..."),
+        logLine("SignObjManager::SignObjManager()", "Leave !"),
+        logLine("WebSocketService::WebSocketService()", "m_pSignObjMgr=P"),
+        logLine("WebSocketService::WebSocketService()", "Leave !"),
+        logLine("WebSocketThread::run()", "b4 call exec()..."),
+    };
+    const QStringList end{
+        logLine("WebSocketThread::run()", "after call exec() and Leave !"),
+        logLine("WebSocketThread::~WebSocketThread()", "Enter..."),
+        logLine("WebSocketService::~WebSocketService()", "Enter..."),
+        logLine("SignObjManager::~SignObjManager()", "Enter..."),
+        logLine("SignObjManager::UnInitialDevice()", "Enter..."),
+        logLine("SignObjManager::UnInitialDevice()", "Leave, bResult=0"),
+        logLine("SignObjManager::~SignObjManager()", "Leave !"),
+        logLine("WebSocketService::~WebSocketService()", "Leave !"),
+        logLine("WebSocketThread::~WebSocketThread()", "after call delete m_pWebSocketService..."),
+        logLine("WebSocketThread::~WebSocketThread()", "Leave !"),
+    };
+    QCOMPARE(maskedLines(threadLog()), start + connectionLines() + expected + end);
+}
+
+QStringList ServiceLogTest::connectionLines()
+{
+    return {logLine("WebSocketService::onNewConnection()", "Enter..."),
+            logLine("WebSocketService::onNewConnection()", "Leave !")};
+}
+
+QStringList ServiceLogTest::requestLines(const QString &request, const QStringList &inTheDispatcher) const
+{
+    const QString length = QString::number(request.size());
+    return QStringList{
+               logLine("WebSocketService::processTextMessage()", QStringLiteral("Enter, message.length=") + length),
+               logLine(dispatcher, QStringLiteral("Enter, strMsg.length=") + length)}
+           + inTheDispatcher
+           + QStringList{logLine(dispatcher, "Leave !"), logLine("WebSocketService::processTextMessage()", "Leave !")};
 }
 
 void ServiceLogTest::offWritesNothing()
@@ -86,29 +136,9 @@ void ServiceLogTest::offWritesNothing()
 void ServiceLogTest::lifeOfAService()
 {
     QVERIFY(m_client->close());
-    QTRY_VERIFY_WITH_TIMEOUT(
-        maskedLines(threadLog()).contains(logLine("WebSocketService::socketDisconnected()", "Leave !")), patienceMs);
-    const QString port = QString::number(m_service->port());
-    compareInOrder({logLine("WebSocketThread::WebSocketThread()", QStringLiteral("Enter, nWebSocketPort=") + port),
-                    logLine("WebSocketThread::run()", "Enter..."),
-                    logLine("WebSocketService::WebSocketService()", QStringLiteral("Enter, m_nPort=") + port),
-                    logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Enter..."),
-                    logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Leave !"),
-                    logLine("WebSocketService::SetupMVSignPadSDKAPINameList()", "Enter..."),
-                    logLine("WebSocketService::SetupMVSignPadSDKAPINameList()", "Leave !"),
-                    logLine("WebSocketService::WebSocketService()", "m_pSignObjMgr=P"),
-                    logLine("WebSocketService::WebSocketService()", "Leave !"),
-                    logLine("WebSocketThread::run()", "b4 call exec()..."),
-                    logLine("WebSocketService::onNewConnection()", "Enter..."),
-                    logLine("WebSocketService::onNewConnection()", "Leave !"),
-                    logLine("WebSocketService::socketDisconnected()", "Enter..."),
-                    logLine("WebSocketService::socketDisconnected()", "Leave !"),
-                    logLine("WebSocketThread::run()", "after call exec() and Leave !"),
-                    logLine("WebSocketThread::~WebSocketThread()", "Enter..."),
-                    logLine("WebSocketService::~WebSocketService()", "Enter..."),
-                    logLine("WebSocketService::~WebSocketService()", "Leave !"),
-                    logLine("WebSocketThread::~WebSocketThread()", "after call delete m_pWebSocketService..."),
-                    logLine("WebSocketThread::~WebSocketThread()", "Leave !")});
+    const QString gone = logLine("WebSocketService::socketDisconnected()", "Leave !");
+    QTRY_VERIFY_WITH_TIMEOUT(maskedLines(threadLog()).contains(gone), patienceMs);
+    compareLines({logLine("WebSocketService::socketDisconnected()", "Enter..."), gone});
 }
 
 void ServiceLogTest::portInUse()
@@ -121,47 +151,62 @@ void ServiceLogTest::portInUse()
     const QString waiting = logLine("WebSocketThread::run()", "b4 call exec()...");
     QTRY_VERIFY_WITH_TIMEOUT(maskedLines(threadLog()).contains(waiting), patienceMs);
     m_service->stop();
-    // No manager was made.
-    QVERIFY(!maskedLines(threadLog()).contains(logLine("WebSocketService::WebSocketService()", "m_pSignObjMgr=P")));
-    QVERIFY(maskedLines(threadLog()).contains(logLine("WebSocketThread::~WebSocketThread()", "Leave !")));
+    const QString port = QString::number(m_service->port());
+    // No names and no manager.
+    QCOMPARE(
+        maskedLines(threadLog()),
+        (QStringList{logLine("WebSocketThread::WebSocketThread()", QStringLiteral("Enter, nWebSocketPort=") + port),
+                     logLine("WebSocketThread::WebSocketThread()", "Leave !"),
+                     logLine("WebSocketThread::run()", "Enter..."),
+                     logLine("WebSocketService::WebSocketService()", QStringLiteral("Enter, m_nPort=") + port),
+                     logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Enter..."),
+                     logLine("WebSocketService::LoadWPSSettingsFromConfigureFile()", "Leave !"),
+                     logLine("WebSocketService::WebSocketService()", "Leave !"), waiting,
+                     logLine("WebSocketThread::run()", "after call exec() and Leave !"),
+                     logLine("WebSocketThread::~WebSocketThread()", "Enter..."),
+                     logLine("WebSocketService::~WebSocketService()", "Enter..."),
+                     logLine("WebSocketService::~WebSocketService()", "Leave !"),
+                     logLine("WebSocketThread::~WebSocketThread()", "after call delete m_pWebSocketService..."),
+                     logLine("WebSocketThread::~WebSocketThread()", "Leave !")}));
 }
 
 void ServiceLogTest::textMessage()
 {
-    const QString prefix = QStringLiteral("ws://localhost:%1/MVSignSDK/").arg(m_service->port());
-    QVERIFY(!m_client->request(prefix + QStringLiteral("Clear")).isNull());
-    const QString length = QString::number(prefix.size() + 5);
-    compareInOrder(
-        {logLine("WebSocketService::processTextMessage()", QStringLiteral("Enter, message.length=") + length),
-         logLine(dispatcher, QStringLiteral("Enter, strMsg.length=") + length), logLine(dispatcher, "Rx Cmd: CLEAR"),
-         logLine(dispatcher, "Leave !"), logLine("WebSocketService::processTextMessage()", "Leave !")});
+    const QString request = QStringLiteral("ws://localhost:%1/MVSignSDK/Clear").arg(m_service->port());
+    QVERIFY(!m_client->request(request).isNull());
+    compareLines(
+        requestLines(request, {logLine(dispatcher, "Rx Cmd: CLEAR"), logLine("SignObjManager::Clear()", "Enter..."),
+                               logLine("SignObjManager::Clear()", "Leave !")}));
 }
 
 void ServiceLogTest::commandWithParameters()
 {
-    QVERIFY(!m_client->command(QStringLiteral("UpdateWPSSettings?id=1&dt=0&af=0&pw=3&name=a")).isNull());
-    compareInOrder({logLine(dispatcher, "Rx Cmd: UPDATEWPSSETTINGS"),
-                    logLine("WebSocketService::ParseUrlParameters()", "Enter..."),
-                    logLine("WebSocketService::ParseUrlParameters()", "Leave !"),
-                    logLine("WebSocketService::UpdateWPSSettingsToConfigureFile()", "Enter..."),
-                    logLine("WebSocketService::UpdateWPSSettingsToConfigureFile()", "Leave !"),
-                    logLine(dispatcher, "Leave !")});
+    const QString request = QStringLiteral("ws://localhost:%1/MVSignSDK/UpdateWPSSettings?id=1&dt=0&af=0&pw=3&name=a")
+                                .arg(m_service->port());
+    QVERIFY(!m_client->request(request).isNull());
+    compareLines(requestLines(request, {logLine(dispatcher, "Rx Cmd: UPDATEWPSSETTINGS"),
+                                        logLine("WebSocketService::ParseUrlParameters()", "Enter..."),
+                                        logLine("WebSocketService::ParseUrlParameters()", "Leave !"),
+                                        logLine("WebSocketService::UpdateWPSSettingsToConfigureFile()", "Enter..."),
+                                        logLine("WebSocketService::UpdateWPSSettingsToConfigureFile()", "Leave !")}));
 }
 
 void ServiceLogTest::unknownCommandHasNoName()
 {
     QVERIFY(!m_client->request(QStringLiteral("hello")).isNull());
-    compareInOrder({logLine("WebSocketService::processTextMessage()", "Enter, message.length=5"),
-                    logLine(dispatcher, "Enter, strMsg.length=5"), logLine(dispatcher, "Leave !")});
-    QVERIFY(maskedLines(threadLog()).filter(QStringLiteral("Rx Cmd")).isEmpty());
+    compareLines(requestLines(QStringLiteral("hello"), {}));
 }
 
 void ServiceLogTest::binaryMessage()
 {
     QCOMPARE(m_client->binaryRequest("abc"), QByteArray("abc"));
     QCOMPARE(m_client->binaryRequest(QByteArray(1000, 'x')), QByteArray(1000, 'x'));
-    compareInOrder({logLine("WebSocketService::processBinaryMessage()", "Enter, message=abc"),
-                    logLine("WebSocketService::processBinaryMessage()", "Leave !")});
+    const char tag[] = "WebSocketService::processBinaryMessage()";
+    const QStringList lines = maskedLines(threadLog()).filter(QLatin1String(tag));
+    compareLines(
+        {logLine(tag, "Enter, message=abc"), logLine(tag, "Leave !"), lines.value(2), logLine(tag, "Leave !")});
+    QVERIFY(
+        lines.value(2).startsWith(QLatin1String("[WebSocketService::processBinaryMessage()]:<N>-Enter, message=xxx")));
 }
 
 void ServiceLogTest::commandNames_data()
@@ -212,36 +257,81 @@ void ServiceLogTest::commandNames()
     QFETCH(QString, command);
     QFETCH(QString, logged);
     QVERIFY(!m_client->command(command).isNull());
-    compareInOrder({logLine(dispatcher, QStringLiteral("Rx Cmd: ") + logged), logLine(dispatcher, "Leave !")});
-    QCOMPARE(maskedLines(threadLog()).filter(QStringLiteral("Rx Cmd")).size(), 1);
+    m_service->stop();
+    QCOMPARE(maskedLines(threadLog()).filter(QStringLiteral("Rx Cmd")),
+             QStringList{logLine(dispatcher, QStringLiteral("Rx Cmd: ") + logged)});
 }
 
+/// The callbacks are called on the service's own thread: the lines of two threads may mix.
 void ServiceLogTest::keyEvents()
 {
     SignClient second;
     QVERIFY(second.connectTo(m_service->port()));
-    QVERIFY(!second.command(QStringLiteral("EnableRealtimeSigningNotification?type=1")).isNull());
-    for (const int event : {1, 0, 5})
-        WebSocketServiceSignPadEventCallback(event);
-    QVERIFY(m_client->waitForMessages(3));
+    const QStringList enabling = enablePushes();
+    QVERIFY(!enabling.isEmpty());
+    QMetaObject::invokeMethod(g_pWebSocketService, [] {
+        for (const int event : {1, 0, 5})
+            WebSocketServiceSignPadEventCallback(event);
+    });
+    QVERIFY(m_client->waitForMessages(4) && second.waitForMessages(3));
+
+    const char callback[] = "WebSocketServiceSignPadEventCallback()";
     const char tag[] = "WebSocketService::ProcessSignPadEvent()";
     const QString confirm = logLine(tag, "nEventID == SIGNPAD_ENTER_BUTTON...");
     const QString cancel = logLine(tag, "nEventID == SIGNPAD_CANCEL_BUTTON...");
     const QString sent = logLine(tag, "after call pClient->sendTextMessage(strResponseMsg), i = %1");
-    compareInOrder({confirm, sent.arg(0), confirm, sent.arg(1), cancel, sent.arg(0), cancel, sent.arg(1), sent.arg(0),
-                    sent.arg(1)});
-    QCOMPARE(maskedLines(threadLog()).count(confirm), 2);
-    QCOMPARE(maskedLines(threadLog()).count(cancel), 2);
+    QStringList lines = connectionLines() + enabling;
+    for (const char *event : {"1", "0", "5"})
+        lines << logLine(callback, QStringLiteral("Enter, nEventID=") + QLatin1String(event))
+              << logLine(callback, "Leave !");
+    lines << logLine(tag, "Enter, nEventID=1") << confirm << sent.arg(0) << confirm << sent.arg(1)
+          << logLine(tag, "Leave !");
+    lines << logLine(tag, "Enter, nEventID=0") << cancel << sent.arg(0) << cancel << sent.arg(1)
+          << logLine(tag, "Leave !");
+    lines << logLine(tag, "Enter, nEventID=5") << sent.arg(0) << sent.arg(1) << logLine(tag, "Leave !");
+    compareLines(lines);
 }
 
 void ServiceLogTest::images()
 {
-    QVERIFY(!m_client->command(QStringLiteral("EnableRealtimeSigningNotification?type=1")).isNull());
-    char text[] = "QUJD";
-    WebSocketServiceSignBase64DataCallback(text);
+    const QStringList enabling = enablePushes();
+    QVERIFY(!enabling.isEmpty());
+    QMetaObject::invokeMethod(g_pWebSocketService, [] {
+        char text[] = "QUJD";
+        WebSocketServiceSignBase64DataCallback(text);
+    });
     QVERIFY(m_client->waitForMessages(2));
-    compareInOrder({logLine("WebSocketService::ProcessSignBase64Data()",
-                            QStringLiteral("after call pClient->sendTextMessage(strResponseMsg), i = 0"))});
+    const char callback[] = "WebSocketServiceSignBase64DataCallback()";
+    const char tag[] = "WebSocketService::ProcessSignBase64Data()";
+    compareLines(enabling
+                 + QStringList{logLine(callback, "Enter..."), logLine(callback, "Leave !"), logLine(tag, "Enter..."),
+                               logLine(tag, "after call pClient->sendTextMessage(strResponseMsg), i = 0"),
+                               logLine(tag, "Leave !")});
+}
+
+void ServiceLogTest::callbacksWithoutAService()
+{
+    m_service->stop();
+    removeLogs();
+    WebSocketServiceSignPadEventCallback(1);
+    WebSocketServiceSignBase64DataCallback(nullptr);
+    QCOMPARE(maskedLines(threadLog()),
+             (QStringList{logLine("WebSocketServiceSignPadEventCallback()", "Enter, nEventID=1"),
+                          logLine("WebSocketServiceSignPadEventCallback()", "Leave !"),
+                          logLine("WebSocketServiceSignBase64DataCallback()", "Enter..."),
+                          logLine("WebSocketServiceSignBase64DataCallback()", "Leave !")}));
+}
+
+/// Has the service push, and returns the lines of that; none when it fails.
+QStringList ServiceLogTest::enablePushes()
+{
+    const QString request =
+        QStringLiteral("ws://localhost:%1/MVSignSDK/EnableRealtimeSigningNotification").arg(m_service->port());
+    if (m_client->request(request).isNull()) // which is answered with a rejection, but takes effect
+        return {};
+    return requestLines(request, {logLine(dispatcher, "Rx Cmd: ENABLEREALTIMESIGNINGNOTIFICATION"),
+                                  logLine("WebSocketService::ParseUrlParameters()", "Enter..."),
+                                  logLine("WebSocketService::ParseUrlParameters()", "Leave !")});
 }
 
 QTEST_GUILESS_MAIN(ServiceLogTest)

@@ -52,7 +52,7 @@ QString logLine(const char *tag, const char *message)
 
 QString flawOfLog(const QString &file, QStringList expected)
 {
-    static const QRegularExpression form(QStringLiteral("^\\[([A-Za-z]+::~?[A-Za-z0-9]+|main)\\(\\)\\]:<N>-.*, $"));
+    static const QRegularExpression form(QStringLiteral("^\\[([A-Za-z]+::)?~?[A-Za-z0-9]+\\(\\)\\]:<N>-.*, $"));
     const QStringList lines = maskedLines(file);
     for (const QString &line : lines) {
         if (!form.match(line).hasMatch())

@@ -19,6 +19,7 @@ public:
     void start();
     /// quit(), unbounded wait(), delete.
     void stop();
+    const QThread *thread() const { return m_thread.get(); }
     bool isRunning() const { return m_thread && m_thread->isRunning(); }
 
 private:
