@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Cross-builds everything for AArch64 in build-arm64/ and runs it under user-mode emulation: the unit tests, the tests
-# against the recording SDK, and a capture from end to end. scripts/test.sh --arch arm64 calls this.
+# Cross-builds for AArch64 in build-arm64/ and runs under user-mode emulation: the unit tests, the tests against the
+# recording SDK, and a capture from end to end. scripts/test.sh --arch arm64 calls this.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -30,7 +30,7 @@ install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages
 install_arm64_tools
 cmake -S . -B build-arm64 -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
     -DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-aarch64.cmake
-cmake --build build-arm64
+cmake --build build-arm64 --target unit_tests sdk_tests tst_capture
 
 # With processes of their own: a test whose emulation goes wrong has been seen to kill every process in its reach.
 exec unshare --user --map-root-user --mount --pid --fork --kill-child --mount-proc \
