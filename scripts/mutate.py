@@ -143,10 +143,10 @@ class Workplace:
         self.source, self.build = directory / "source", directory / "build"
 
     def run(self, *command):
-        return subprocess.run(["nice", *map(str, command)], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        return subprocess.run([*map(str, command)], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                               text=True, errors="replace")
 
-    def prepare(self):
+    def prepare(self, test):
         names = subprocess.run(["git", "-C", ROOT, "ls-files", "--cached", "--others", "--exclude-standard", "-z"],
                                check=True, stdout=subprocess.PIPE, text=True).stdout.split("\0")
         for name in filter(None, names):
@@ -155,7 +155,8 @@ class Workplace:
                 new.parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy(old, new)
         configured = self.run("cmake", "-S", self.source, "-B", self.build, "-G", "Ninja", "-DBUILD_TESTING=ON",
-                              "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0")
+                              "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
+                              "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON")
         if configured.returncode:
             sys.exit(configured.stdout)
         listed = json.loads(self.run("ctest", "--test-dir", self.build, "--show-only=json-v1", "-L",
@@ -163,7 +164,7 @@ class Workplace:
         self.tests = [test["name"] for test in listed["tests"] if not ELSEWHERE.search(test["name"])]
         built, failed = self.compile(self.tests), None
         if built.returncode == 0:
-            failed = self.failing(self.tests)
+            failed = self.failing(self.tests) if test else None
         if built.returncode or failed:
             sys.exit(f"without any change: {failed or built.stdout[-3000:]}")
 
@@ -219,7 +220,7 @@ def main():
     workplaces = queue.SimpleQueue()
     for job in range(options.jobs):
         workplace = Workplace(options.work.resolve() / str(job))
-        workplace.prepare()
+        workplace.prepare(test=job == 0)
         workplaces.put(workplace)
 
     lock = threading.Lock()
