@@ -2,107 +2,106 @@
 
 #include <QFile>
 #include <QLockFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
-
-#include <algorithm>
 
 namespace {
 
-/// Appends what the escape at pAt stands for, as far as it matters here, and returns where it ends. As Qt reads them, a
-/// number may have any length, its low 16 bits count, and an unknown letter stands for nothing.
-const char *AppendEscaped(QByteArray &bare, const char *pAt, const char *pEnd)
+QString Organization()
 {
-    const int nBase = *pAt == 'x' ? 16 : 8;
-    const QByteArray digits(nBase == 16 ? "0123456789abcdefABCDEF" : "01234567");
-    const char *const pDigits = nBase == 16 ? pAt + 1 : pAt;
-    const char *const pBehind = std::find_if_not(pDigits, pEnd, [&digits](char c) { return digits.contains(c); });
-    if (pBehind != pDigits) {
-        const QByteArray number(pDigits, static_cast<int>(pBehind - pDigits));
-        const uint nCode = number.right(6).toUInt(nullptr, nBase) & 0xffff;
-        if (nCode > ' ')
-            bare += nCode < 0x80 ? static_cast<char>(nCode) : '?';
-        return pBehind;
-    }
-    if (QByteArray("abfnrtv\"?'\\").contains(*pAt))
-        bare += '?';
-    return pAt + 1;
+    return QStringLiteral("mvsignpadsdk");
 }
 
-/// The text without blanks, quotation marks and line breaks, its escapes resolved.
-QByteArray Bare(const QByteArray &text)
+/// Whether the letters behind a backslash begin with an escape that Qt writes, and not one for "@".
+bool IsOrdinaryEscape(const QByteArray &letters)
 {
-    QByteArray bare;
-    bare.reserve(text.size());
-    const char *const pEnd = text.constData() + text.size();
-    for (const char *pAt = text.constData(); pAt != pEnd;) {
-        const char c = *pAt++;
-        if (c == '\\' && pAt != pEnd)
-            pAt = AppendEscaped(bare, pAt, pEnd);
-        else if (c != '"' && static_cast<uchar>(c) > ' ')
-            bare += c;
-    }
-    return bare;
+    static const QRegularExpression ordinary(
+        QStringLiteral(R"(\A([abfnrtv"\\]|0(?![0-7])|x(?!0*40(?![0-9a-f]))[0-9a-f]{1,4}(?![0-9a-fA-F])))"));
+    return ordinary.match(QString::fromLatin1(letters)).hasMatch();
 }
 
-/// Whether a value of the file is one that Qt would build from a stream of bytes: a forged one asks for any amount of
-/// memory or of stack. The program writes none; a text that begins so is written with a second @. When in doubt (within
-/// a quoted text, say) it is one.
+/// Whether a value of the file is, or may be, one that Qt would build from a stream of bytes: a forged one asks for any
+/// amount of memory or stack. Such a value begins with "@Variant(" or "@DateTime(". The program writes none, whatever
+/// text it is given: where a text begins with "@", Qt puts a second one before it.
 bool HoldsStreamedValue(const QByteArray &text)
 {
-    const QByteArray bare = Bare(text);
-    const auto isIn = [&bare](const char *szBeginning) { return bare.contains(szBeginning); };
-    return isIn("=@Variant(") || isIn(",@Variant(") || isIn("=@DateTime(") || isIn(",@DateTime(");
-}
-
-/// Whether the text may have settings of the access group: "%" is how a key can spell any letter.
-bool MayNameAccess(const QByteArray &text)
-{
-    return text.contains(accessGroup) || text.contains('%');
+    bool bQuoted = false;
+    bool bBegins = false; // the next character is the first one of a value, or of an entry of a list
+    for (int i = 0; i < text.size(); ++i) {
+        const char c = text.at(i);
+        if (c == '"') {
+            bQuoted = !bQuoted;
+        } else if (!bQuoted && c == ';') { // a comment, to the end of the line
+            while (i + 1 < text.size() && text.at(i + 1) != '\n' && text.at(i + 1) != '\r')
+                ++i;
+        } else if (!bQuoted && (c == '=' || c == ',')) {
+            bBegins = true;
+        } else if (bBegins && (bQuoted || static_cast<uchar>(c) > ' ')) {
+            const QByteArray behind = text.mid(i + 1, 6);
+            if (c == '@' ? QByteArray("VD\"\\").contains(behind.left(1)) : c == '\\' && !IsOrdinaryEscape(behind))
+                return true;
+            bBegins = false;
+        }
+        if (c == '\\')
+            ++i; // what is escaped is no mark
+    }
+    return false;
 }
 
 } // namespace
 
-SettingsFile::SettingsFile(const QString &application, const QString &group)
-    : m_settings(QStringLiteral("mvsignpadsdk"), application)
+QStringList SettingsPaths(const char *szName)
 {
-    m_settings.beginGroup(group);
-    const QByteArrayList texts = RawTexts();
-    m_bReadable = std::none_of(texts.begin(), texts.end(), HoldsStreamedValue);
-    m_bOwnReadable = m_bReadable || !HoldsStreamedValue(texts.constFirst());
-    m_bMayHideAccess = !m_bReadable && std::any_of(texts.begin(), texts.end(), MayNameAccess);
+    const QString name = QString::fromLatin1(szName);
+    QStringList paths(QSettings(Organization(), name).fileName());
+    const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation).mid(1);
+    for (const QString &folder : folders)
+        paths.prepend(QStringLiteral("%1/%2/%3.conf").arg(folder, Organization(), name));
+    return paths;
 }
 
-QByteArrayList SettingsFile::RawTexts() const
+std::optional<QByteArray> ReadSettingsText(const QString &path)
 {
-    const QString organization = m_settings.organizationName();
-    const QString application = m_settings.applicationName();
-    QStringList paths;
-    for (const QSettings::Scope scope : {QSettings::UserScope, QSettings::SystemScope})
-        paths << QSettings(scope, organization, application).fileName() << QSettings(scope, organization).fileName();
-    const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
-    for (const QString &folder : folders) {
-        const QString base = folder + QLatin1Char('/') + organization;
-        paths << base + QLatin1Char('/') + application + QStringLiteral(".conf") << base + QStringLiteral(".conf");
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly))
+        return file.readAll();
+    if (file.exists())
+        return std::nullopt;
+    return QByteArray();
+}
+
+std::optional<QVariantMap> ReadSettings(const QString &path)
+{
+    const std::optional<QByteArray> text = ReadSettingsText(path);
+    if (!text || HoldsStreamedValue(*text))
+        return std::nullopt;
+    const QSettings file(path, QSettings::NativeFormat);
+    QVariantMap settings;
+    const QStringList keys = file.allKeys();
+    for (const QString &key : keys) {
+        const bool bNameless = key.count(QLatin1Char('/')) == key.size(); // Qt complains when it is asked for these
+        settings.insert(key, bNameless ? QVariant() : file.value(key));
     }
-    paths.removeDuplicates();
+    return settings;
+}
 
-    QByteArrayList texts;
-    for (const QString &path : qAsConst(paths)) {
-        QFile file(path);
-        texts += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+SettingsReader::SettingsReader(const char *szName)
+{
+    const QStringList paths = SettingsPaths(szName);
+    for (const QString &path : paths) {
+        const QVariantMap settings = ReadSettings(path).value_or(QVariantMap());
+        for (auto setting = settings.begin(); setting != settings.end(); ++setting)
+            m_values.insert(setting.key(), setting.value());
     }
-    return texts;
 }
 
-bool SettingsFile::MakeWritable()
+SettingsWriter::SettingsWriter(const char *szName) : m_settings(Organization(), QString::fromLatin1(szName))
 {
-    // Writing would read the old file first. One that may narrow who is served stays for its owner to mend.
-    if (!m_bOwnReadable && !m_bMayHideAccess)
-        m_bOwnReadable = QFile::remove(m_settings.fileName());
-    return m_bOwnReadable;
-}
-
-void SettingsFile::RemoveStaleLock()
-{
-    QLockFile(m_settings.fileName() + QStringLiteral(".lock")).removeStaleLockFile();
+    const QString path = m_settings.fileName();
+    // A program that was killed in the midst of writing leaves a lock, for which the next would wait half a minute. A
+    // lock that somebody holds stays.
+    QLockFile(path + QStringLiteral(".lock")).removeStaleLockFile();
+    if (HoldsStreamedValue(ReadSettingsText(path).value_or(QByteArray())))
+        QFile::remove(path); // writing would read it first
+    m_settings.beginGroup(QStringLiteral("Settings"));
 }

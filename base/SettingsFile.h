@@ -1,58 +1,67 @@
-// Reading and writing of settings records: one walk over a record's keys and fields serves both directions.
+// The program's settings files: where they are, and reading and writing them. One walk over a record's keys and fields
+// serves both directions.
 #pragma once
 
-#include <QByteArrayList>
+#include <QByteArray>
 #include <QSettings>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
-/// The group of the settings that say who is served; only an administrator writes it.
-constexpr char accessGroup[] = "Access";
+#include <optional>
 
-/// One group of one of the program's per-user settings files. What the user's file lacks is looked for in the
-/// machine's file of the same name. Written when it is destroyed, if anything was saved: as a whole or not at all.
-/// Unreadable, as if there were none, when one of the files has a value that must not be decoded.
-class SettingsFile
+/// The names of the settings files, without their folder and ending.
+constexpr char traySettingsName[] = "MVSignPadSDK_WSSvr";
+constexpr char wpsSettingsName[] = "MVeSign_WPS";
+constexpr char accessSettingsName[] = "MVSignPadSDK_Access";
+
+/// The paths of the settings files of this name: the machine's, then the user's own, which has the last word. No other
+/// file has a say, not even one for all programs of the organization. The files need not exist.
+QStringList SettingsPaths(const char *szName);
+
+/// A settings file as it is: empty when there is none, absent when it cannot be read.
+std::optional<QByteArray> ReadSettingsText(const QString &path);
+
+/// The settings of a file by group and key, as in "Settings/UILangID": empty when there is none, absent when it cannot
+/// be read or has a value that must not be decoded.
+std::optional<QVariantMap> ReadSettings(const QString &path);
+
+/// The group Settings of the files of one name. What the user's own file lacks is taken from the machine's; a file that
+/// ReadSettings cannot read counts as none.
+class SettingsReader
 {
 public:
-    explicit SettingsFile(const QString &application, const QString &group = QStringLiteral("Settings"));
+    explicit SettingsReader(const char *szName);
 
-    bool Contains(const QString &key) const { return m_bReadable && m_settings.contains(key); }
-    QStringList Keys() const { return m_bReadable ? m_settings.allKeys() : QStringList(); }
-    QVariant Value(const QString &key) const { return m_bReadable ? m_settings.value(key) : QVariant(); }
-
-    /// The files that Qt reads, the user's own first, as they are, whether or not they make sense; empty where there
-    /// is none.
-    QByteArrayList RawTexts() const;
-
-    /// Whether it is unreadable and may hide settings of the access group. It is then never written either.
-    bool MayHideAccess() const { return m_bMayHideAccess; }
+    bool Contains(const QString &key) const { return m_values.contains(Path(key)); }
 
     /// Reads the key into the field; an absent key leaves the field as it is, a text that is no number reads as 0.
     template <class Field>
     void Load(const QString &key, Field &field) const
     {
         if (Contains(key))
-            field = qvariant_cast<Field>(m_settings.value(key));
+            field = qvariant_cast<Field>(m_values.value(Path(key)));
     }
+
+private:
+    static QString Path(const QString &key) { return QStringLiteral("Settings/") + key; }
+
+    QVariantMap m_values;
+};
+
+/// The group Settings of the user's own file of one name. Written when it is destroyed: as a whole or not at all. The
+/// rest of the file stays, unless it has a value that must not be decoded: such a file is replaced.
+class SettingsWriter
+{
+public:
+    explicit SettingsWriter(const char *szName);
 
     template <class Field>
     void Save(const QString &key, const Field &field)
     {
-        if (MakeWritable())
-            m_settings.setValue(key, field);
+        m_settings.setValue(key, field);
     }
 
-    /// Clears away the lock of a program that was killed in the midst of writing, for which the next writer would wait
-    /// half a minute. A lock that somebody holds stays.
-    void RemoveStaleLock();
-
 private:
-    bool MakeWritable();
-
     QSettings m_settings;
-    bool m_bReadable = false;
-    bool m_bOwnReadable = false;
-    bool m_bMayHideAccess = false;
 };

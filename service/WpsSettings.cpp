@@ -5,11 +5,6 @@
 
 namespace {
 
-QString FileName()
-{
-    return QStringLiteral("MVeSign_WPS");
-}
-
 /// Calls visit(key, field) for every setting, in the order of the file.
 template <class Settings, class Visitor>
 void ForEachSetting(Settings &settings, Visitor visit)
@@ -43,7 +38,7 @@ void _STRUCT_WPS_SETTINGS_INIDATA::LoadWPSSettingsFromConfigureFile()
 {
     static const char tag[] = "WebSocketService::LoadWPSSettingsFromConfigureFile()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    const SettingsFile file(FileName());
+    const SettingsReader file(wpsSettingsName);
     ForEachSetting(*this, [&file](const QString &key, auto &field) { file.Load(key, field); });
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
@@ -52,8 +47,7 @@ void _STRUCT_WPS_SETTINGS_INIDATA::UpdateWPSSettingsToConfigureFile() const
 {
     static const char tag[] = "WebSocketService::UpdateWPSSettingsToConfigureFile()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    SettingsFile file(FileName());
-    file.RemoveStaleLock();
+    SettingsWriter file(wpsSettingsName);
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }

@@ -1,8 +1,8 @@
 #include "tray/SysTrayMenuMgr.h"
 
 #include "base/Logging.h"
+#include "service/AccessSettings.h"
 #include "service/WebSocketThread.h"
-#include "tray/AccessSettings.h"
 #include "tray/CheckSysTrayThread.h"
 #include "tray/DesktopVariant.h"
 #include "tray/TrayTexts.h"

@@ -1,7 +1,6 @@
 #include "tray/TraySettings.h"
 
 #include "base/SettingsFile.h"
-#include "tray/AccessSettings.h"
 #include "tray/DesktopVariant.h"
 
 #include <QFile>
@@ -27,14 +26,9 @@ void ForEachSetting(Settings &settings, Visitor visit)
 
 } // namespace
 
-QString TraySettingsFileName()
-{
-    return QStringLiteral("MVSignPadSDK_WSSvr");
-}
-
 void TraySettings::Load(int nOSProductID)
 {
-    const SettingsFile file(TraySettingsFileName());
+    const SettingsReader file(traySettingsName);
     ForEachSetting(*this, [&file](const QString &key, auto &field) { file.Load(key, field); });
     // The stored value only says that the user has chosen once; the entry on disk is the truth. Without the key the
     // default stays, even beside an entry: on purpose.
@@ -44,9 +38,6 @@ void TraySettings::Load(int nOSProductID)
 
 void TraySettings::Save() const
 {
-    if (!IsAccessGroupReadable())
-        return; // to drop what closes the service would open it at the next start
-    SettingsFile file(TraySettingsFileName());
-    file.RemoveStaleLock();
+    SettingsWriter file(traySettingsName);
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
 }

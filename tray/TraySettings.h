@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QString>
-
-/// The application name of the tray settings file.
-QString TraySettingsFileName();
+#include <QtGlobal>
 
 /// The persisted tray settings. Main thread only.
 struct TraySettings {

@@ -1,7 +1,6 @@
-// Which values of the settings group "Access" are understood; whatever is not closes the service.
+// What is understood in the access settings files; whatever is not closes the service.
+#include "service/AccessSettings.h"
 #include "tests/unit/support/PrivateHome.h"
-#include "tray/AccessSettings.h"
-#include "tray/TraySettings.h"
 
 #include <QDir>
 #include <QSettings>
@@ -18,24 +17,35 @@ private Q_SLOTS:
     void machineWideFileCounts();
     void wrongValueClosesTheDoor_data();
     void wrongValueClosesTheDoor();
-    void unreadableFileKeepsTheDoorClosed_data();
-    void unreadableFileKeepsTheDoorClosed();
-    void unreadableFileOfTheMachineKeepsTheDoorClosed();
+    void wrongFileOfTheMachineClosesTheDoor();
+    void fileThatCannotBeReadClosesTheDoor();
+    void formerGroupClosesTheDoor_data();
+    void formerGroupClosesTheDoor();
+    void organizationHasNoSay();
 
 private:
     /// Qt looks for the home only once in a process.
     static void useSettingsOf(const PrivateHome &home)
     {
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, home.path(QStringLiteral(".config")));
-        QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, home.path(QStringLiteral("etc")));
+        qputenv("XDG_CONFIG_DIRS", QFile::encodeName(home.path(QStringLiteral("etc"))));
     }
 
-    static AccessPolicy policyOf(const QByteArray &file)
+    static AccessPolicy policyOf(const QByteArray &content)
     {
         const PrivateHome home;
         useSettingsOf(home);
-        home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), file);
+        home.writeConfig(QStringLiteral("MVSignPadSDK_Access"), content);
         return LoadAccessPolicy();
+    }
+
+    static void writeForTheMachine(const PrivateHome &home, const QString &name, const QByteArray &content)
+    {
+        const QString path = home.path(QStringLiteral("etc/") + name);
+        QFile file(path);
+        if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QIODevice::WriteOnly)
+            || file.write(content) != content.size())
+            qFatal("cannot write a settings file of the test");
     }
 };
 
@@ -43,13 +53,8 @@ void AccessSettingsTest::nothingConfiguredServesAnybody_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::newRow("empty file") << QByteArray();
-    QTest::newRow("settings only") << QByteArray("[Settings]\nStartWebService=true\nWebSocketPort=8089\n");
-    QTest::newRow("empty group") << QByteArray("[Access]\n[Settings]\nUILangID=3\n");
-    QTest::newRow("the keys in another group") << QByteArray("[Settings]\nListenAddress=nonsense\n");
-    QTest::newRow("value that is not decoded") << QByteArray("[Settings]\nUILangID=@Variant(\\0\\0\\0\\x2)\n");
-    QTest::newRow("rubbish") << QByteArray("\x7f"
-                                           "ELF\0\1\2\n\xff\xfe rubbish\n[[\n",
-                                           20);
+    QTest::newRow("empty group") << QByteArray("[Access]\n");
+    QTest::newRow("comments") << QByteArray("; ask admin@example.org, or \"root\n\n  ;[Access\n");
 }
 
 void AccessSettingsTest::nothingConfiguredServesAnybody()
@@ -83,14 +88,12 @@ void AccessSettingsTest::machineWideFileCounts()
 {
     const PrivateHome home;
     useSettingsOf(home);
-    QDir(home.path()).mkpath(QStringLiteral("etc/mvsignpadsdk"));
-    QFile file(home.path(QStringLiteral("etc/mvsignpadsdk/MVSignPadSDK_WSSvr.conf")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("[Access]\nListenAddress=127.0.0.1\n");
-    file.close();
+    writeForTheMachine(home, QStringLiteral("mvsignpadsdk/MVSignPadSDK_Access.conf"),
+                       "[Access]\nListenAddress=127.0.0.1\nRequireOrigin=true\n");
     QCOMPARE(LoadAccessPolicy().listenAddress->toString(), QStringLiteral("127.0.0.1"));
-    home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), "[Access]\nListenAddress=::1\n");
+    home.writeConfig(QStringLiteral("MVSignPadSDK_Access"), "[Access]\nListenAddress=::1\n");
     QCOMPARE(LoadAccessPolicy().listenAddress->toString(), QStringLiteral("::1"));
+    QVERIFY(LoadAccessPolicy().bRequireOrigin);
 }
 
 void AccessSettingsTest::wrongValueClosesTheDoor_data()
@@ -106,52 +109,81 @@ void AccessSettingsTest::wrongValueClosesTheDoor_data()
     for (const char *wrong : {"", "yes", "TRUE", "1", "true, false", "@Invalid()", "@ByteArray(true)"})
         QTest::addRow("flag %s", wrong) << QByteArray("RequireOrigin=") + wrong;
     for (const char *wrong : {"AllowedOrigin=https://a.example", "listenaddress=127.0.0.1", "x\\ListenAddress=::1",
-                              "ListenAddress 127.0.0.1", "ListenAddress"})
+                              "=::1", "\\=::1", "ListenAddress 127.0.0.1", "ListenAddress", "ListenAddress\\=::1",
+                              "\"ListenAddress=::1\"", "[Acc\"ess]\nListenAddress=::1", "[Access\nListenAddress=::1"})
         QTest::addRow("line %s", wrong) << QByteArray(wrong);
     QTest::newRow("one right, one wrong") << QByteArray("ListenAddress=127.0.0.1\nRequireOrigin=maybe");
+    QTest::newRow("another group") << QByteArray("[access]\nListenAddress=127.0.0.1");
+    QTest::newRow("known key in another group") << QByteArray("[Settings]\nRequireOrigin=true");
+    QTest::newRow("value that is not decoded") << QByteArray("RequireOrigin=@Variant(\\0\\0\\0\\x2)");
+    QTest::newRow("value that is not decoded elsewhere") << QByteArray("[X]\nY=a, @DateTime(\\0\\0\\0\\x10)");
+    QTest::newRow("rubbish") << QByteArray("\x7f"
+                                           "ELF\0\1\2\n\xff\xfe rubbish\n[[\n",
+                                           20);
 }
 
 void AccessSettingsTest::wrongValueClosesTheDoor()
 {
     QFETCH(QByteArray, line);
-    QVERIFY(!policyOf("[Settings]\nUILangID=3\n\n[Access]\n" + line + '\n').bServesAnybody);
+    QVERIFY(!policyOf("; who is served\n\n[Access]\n" + line + '\n').bServesAnybody);
 }
 
-void AccessSettingsTest::unreadableFileKeepsTheDoorClosed_data()
-{
-    QTest::addColumn<QByteArray>("lines");
-    QTest::newRow("group") << QByteArray("[Access]\nRequireOrigin=true\n");
-    QTest::newRow("keys") << QByteArray("[General]\nAccess\\RequireOrigin=true\n");
-    QTest::newRow("percent") << QByteArray("[%41ccess]\nRequireOrigin=true\n");
-}
-
-void AccessSettingsTest::unreadableFileKeepsTheDoorClosed()
-{
-    QFETCH(QByteArray, lines);
-    const QByteArray content = "[Settings]\nUILangID=@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x1)\n" + lines;
-    const PrivateHome home;
-    useSettingsOf(home);
-    home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), content);
-    QVERIFY(!LoadAccessPolicy().bServesAnybody);
-    TraySettings().Save();
-    QFile file(home.configFile(QStringLiteral("MVSignPadSDK_WSSvr")));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), content);
-}
-
-void AccessSettingsTest::unreadableFileOfTheMachineKeepsTheDoorClosed()
+void AccessSettingsTest::wrongFileOfTheMachineClosesTheDoor()
 {
     const PrivateHome home;
     useSettingsOf(home);
-    QDir(home.path()).mkpath(QStringLiteral("etc"));
-    QFile file(home.path(QStringLiteral("etc/mvsignpadsdk.conf")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("[Access]\nListenAddress=127.0.0.1\nX=@Variant(\\0\\0\\0\\t\\x10\\0\\0\\0)\n");
-    file.close();
-    home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), "[Settings]\nUILangID=3\n");
+    writeForTheMachine(home, QStringLiteral("mvsignpadsdk/MVSignPadSDK_Access.conf"), "[Access]\nListenAddress=lo\n");
+    home.writeConfig(QStringLiteral("MVSignPadSDK_Access"), "[Access]\nListenAddress=127.0.0.1\n");
     QVERIFY(!LoadAccessPolicy().bServesAnybody);
-    TraySettings().Save();
-    QVERIFY(QFile(file.fileName()).exists());
+}
+
+void AccessSettingsTest::fileThatCannotBeReadClosesTheDoor()
+{
+    const PrivateHome home;
+    useSettingsOf(home);
+    // A folder in its place cannot be read by anybody, root neither.
+    QVERIFY(QDir().mkpath(home.configFile(QStringLiteral("MVSignPadSDK_Access"))));
+    QVERIFY(!LoadAccessPolicy().bServesAnybody);
+}
+
+void AccessSettingsTest::formerGroupClosesTheDoor_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("isClosed");
+    QTest::newRow("group") << QByteArray("[Settings]\nUILangID=3\n\n[Access]\nRequireOrigin=true\n") << true;
+    QTest::newRow("keys") << QByteArray("[General]\nAccess\\RequireOrigin=true\n") << true;
+    QTest::newRow("key without value") << QByteArray("[Access]\nRequireOrigin\n") << true;
+    QTest::newRow("not decoded") << QByteArray("[Settings]\nX=@Variant(\\0)\n[Access]\nRequireOrigin=true\n") << true;
+    QTest::newRow("no such group") << QByteArray("[Settings]\nUILangID=3\nRequireOrigin=true\n") << false;
+    QTest::newRow("no such group, not decoded") << QByteArray("[Settings]\nX=@Variant(\\0)\n") << false;
+    QTest::newRow("no file") << QByteArray() << false;
+}
+
+void AccessSettingsTest::formerGroupClosesTheDoor()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(bool, isClosed);
+    const PrivateHome usersHome;
+    useSettingsOf(usersHome);
+    usersHome.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), content);
+    QCOMPARE(!LoadAccessPolicy().bServesAnybody, isClosed);
+
+    const PrivateHome home;
+    useSettingsOf(home);
+    writeForTheMachine(home, QStringLiteral("mvsignpadsdk/MVSignPadSDK_WSSvr.conf"), content);
+    QCOMPARE(!LoadAccessPolicy().bServesAnybody, isClosed);
+}
+
+void AccessSettingsTest::organizationHasNoSay()
+{
+    const PrivateHome home;
+    useSettingsOf(home);
+    writeForTheMachine(home, QStringLiteral("mvsignpadsdk.conf"), "[Access]\nListenAddress=127.0.0.1\n");
+    home.writeConfig(QStringLiteral("../mvsignpadsdk"), "[Access]\nRequireOrigin=true\nX=@DateTime(\\0)\n");
+    const AccessPolicy policy = LoadAccessPolicy();
+    QVERIFY(policy.bServesAnybody);
+    QVERIFY(!policy.listenAddress);
+    QVERIFY(!policy.bRequireOrigin);
 }
 
 QTEST_GUILESS_MAIN(AccessSettingsTest)

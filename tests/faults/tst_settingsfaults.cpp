@@ -127,7 +127,12 @@ void SettingsFaultsTest::damagedFileIsSurvived_data()
     huge("huge list with octal escape", "X=\\100");
     huge("huge list with unknown escape", "X=@\\z");
     huge("huge list on a broken line", "X=\\\r\n@\\\n");
+    huge("huge list with long escape", "X=\\x00000040");
     huge("huge list in pieces", "X=\"@\" \"\"");
+    huge("huge list behind nothing", "X=\"\"@");
+    huge("huge list behind a text over two lines", "X=\"\nY=\"a, @");
+    huge("huge list behind a comment with a quotation mark", ";\"\nX=a,@");
+    huge("huge list behind a null character", QByteArray("Y=\0\nX=@", 8));
     huge("huge list in another group", "Y=1\n[Other]\nX=@");
     QByteArray nested("[Settings]\nX=@Variant(");
     for (int i = 0; i < 500000; ++i)

@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMetaMethod>
 #include <QTest>
 
@@ -37,6 +38,8 @@ private Q_SLOTS:
     void writesSixKeys();
     void writesWhatItLoaded();
     void otherKeysOfTheFileStay();
+    void machinesFileFillsIn();
+    void organizationHasNoSay();
     void unwritableFileIsNotReported();
     void variants_data();
     void variants();
@@ -47,13 +50,19 @@ private Q_SLOTS:
     void noTrayCloses();
 
 private:
+    void writeFile(const QString &name, const QByteArray &content) const;
+
     PrivateHome m_home;
     std::unique_ptr<WarningTrap> m_warnings;
 };
 
 void TraySettingsTest::init()
 {
+    qputenv("XDG_CONFIG_DIRS",
+            QFile::encodeName(m_home.path(QStringLiteral("etc:")) + m_home.path(QStringLiteral("etc-of-less-weight"))));
     m_home.removeConfig();
+    QDir(m_home.path(QStringLiteral("etc"))).removeRecursively();
+    QDir(m_home.path(QStringLiteral("etc-of-less-weight"))).removeRecursively();
     m_warnings.reset(new WarningTrap);
 }
 
@@ -61,6 +70,14 @@ void TraySettingsTest::cleanup()
 {
     QCOMPARE(m_warnings->taken(), QStringList());
     m_warnings.reset();
+}
+
+void TraySettingsTest::writeFile(const QString &name, const QByteArray &content) const
+{
+    QFile file(m_home.path(name));
+    if (!QDir().mkpath(QFileInfo(file).path()) || !file.open(QIODevice::WriteOnly)
+        || file.write(content) != content.size())
+        qFatal("cannot write a file of the test");
 }
 
 void TraySettingsTest::signalAndSlots()
@@ -225,6 +242,39 @@ void TraySettingsTest::otherKeysOfTheFileStay()
     manager.WriteDataToINIFIle();
     QVERIFY(m_home.configLines(fileName()).contains(QLatin1String("Colour=blue")));
     QCOMPARE(m_home.configLines(fileName()).size(), 8);
+}
+
+void TraySettingsTest::machinesFileFillsIn()
+{
+    writeFile(QStringLiteral("etc/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"),
+              "[Settings]\nWebSocketPort=1\nWebSocketSecurePort=2\nUILangID=3\n");
+    writeFile(QStringLiteral("etc-of-less-weight/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"),
+              "[Settings]\nUILangID=1\nStartWebServiceWithSSL=true\n");
+    m_home.writeConfig(fileName(), "[Settings]\nWebSocketPort=7\n");
+    TraySettings settings;
+    settings.Load(0);
+    QCOMPARE(settings.nWebSocketPort, 7);
+    QCOMPARE(settings.nWebSocketSecurePort, 2);
+    QCOMPARE(settings.nUILangID, 3);
+    QCOMPARE(settings.bStartWebServiceWithSSL, true);
+    QCOMPARE(settings.bStartWebService, false);
+}
+
+/// What stands there for all programs of the organization is neither taken nor does it make the own file count less.
+void TraySettingsTest::organizationHasNoSay()
+{
+    const QByteArray foreign = "[Settings]\nUILangID=3\nWebSocketSecurePort=2\nWhen=@DateTime(\\0\\0\\0\\x10)\n";
+    writeFile(QStringLiteral(".config/mvsignpadsdk.conf"), foreign);
+    writeFile(QStringLiteral("etc/mvsignpadsdk.conf"), foreign);
+    writeFile(QStringLiteral("etc/mvsignpadsdk/MVSignPadSDK_WSSvr.conf"), foreign);
+    m_home.writeConfig(fileName(), "[Settings]\nWebSocketPort=7\n");
+    TraySettings settings;
+    settings.Load(0);
+    settings.Save();
+    QCOMPARE(settings.nWebSocketPort, 7);
+    QCOMPARE(settings.nWebSocketSecurePort, 8090);
+    QCOMPARE(settings.nUILangID, 2);
+    QVERIFY(m_home.configLines(fileName()).contains(QLatin1String("WebSocketPort=7")));
 }
 
 void TraySettingsTest::unwritableFileIsNotReported()

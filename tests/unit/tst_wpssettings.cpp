@@ -1,4 +1,5 @@
 // The signature settings of the three WPS applications: defaults, file, reading and replacing them by requests.
+#include "service/WpsSettings.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/Replies.h"
 #include "tests/unit/support/RunningService.h"
@@ -41,6 +42,7 @@ private Q_SLOTS:
     void otherGroupsDoNotCount();
     void namesSurviveARestart_data();
     void namesSurviveARestart();
+    void anyNameSurvives();
     void clientsSeeEachOthersChanges();
     void fileIsReadOnceAndLeftAlone();
     void saveThatFailsIsNotReported();
@@ -266,6 +268,17 @@ void WpsSettingsTest::namesSurviveARestart_data()
     QTest::newRow("line feed") << QStringLiteral("A\nB") << QStringLiteral(R"(A\\nB)");
     QTest::newRow("beyond the basic plane") << QStringLiteral("\U00020bb7野") << QStringLiteral("\U00020bb7野");
     QTest::newRow("long") << QString(5000, QLatin1Char('n')) << QString(5000, QLatin1Char('n'));
+    // Names that look, somewhere or to somebody, like the values that are not decoded.
+    for (const char *name : {"a,@Variant(b", " @Variant(b", "a, @DateTime(100%", ",@Variant(%", "a,@Variant(Access)",
+                             "@", "@@", "@,@Variant(x)", "a@Variant(100%)", ";@Variant(Access"})
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(name);
+    QTest::newRow("control character") << QStringLiteral("\x01@Variant(b)") << QStringLiteral(R"(\\u0001@Variant(b))");
+    QTest::newRow("null character") << QString::fromLatin1("@Variant(\0b)", 12)
+                                    << QStringLiteral(R"(@Variant(\\u0000b))");
+    QTest::newRow("escaped at sign") << QStringLiteral(R"(\x40Variant(b))") << QStringLiteral(R"(\\\\x40Variant(b))");
+    QTest::newRow("quotation marks") << QStringLiteral(R"("a",@Variant(%))")
+                                     << QStringLiteral(R"(\\\"a\\\",@Variant(%))");
+    QTest::newRow("last digits of an at sign") << QStringLiteral("乀@Variant(x)") << QStringLiteral("乀@Variant(x)");
 }
 
 void WpsSettingsTest::namesSurviveARestart()
@@ -273,9 +286,60 @@ void WpsSettingsTest::namesSurviveARestart()
     QFETCH(QString, name);
     QFETCH(QString, inReply);
     start();
-    QCOMPARE(ask(QStringLiteral("UpdateWPSSettings?id=2&dt=0&af=0&pw=3&name=") + name), QString::fromLatin1(updated));
+    QCOMPARE(ask(QStringLiteral("UpdateWPSSettings?id=1&dt=1&af=1&pw=9&name=A")), QString::fromLatin1(updated));
+    QCOMPARE(ask(QStringLiteral("UpdateWPSSettings?id=2&dt=0&af=0&pw=5&name=") + name), QString::fromLatin1(updated));
     restart();
-    QCOMPARE(ask(QStringLiteral("GetWPSSettings?id=2")), settingsReply("3", "0", "0", inReply));
+    QCOMPARE(ask(QStringLiteral("GetWPSSettings?id=2")), settingsReply("5", "0", "0", inReply));
+    QCOMPARE(ask(QStringLiteral("GetWPSSettings?id=1")), settingsReply("9", "1", "1", QStringLiteral("A")));
+    // Nor does it keep anything from being saved from now on.
+    QCOMPARE(ask(QStringLiteral("UpdateWPSSettings?id=3&dt=1&af=0&pw=7&name=C")), QString::fromLatin1(updated));
+    restart();
+    QCOMPARE(ask(QStringLiteral("GetWPSSettings?id=2")), settingsReply("5", "0", "0", inReply));
+    QCOMPARE(ask(QStringLiteral("GetWPSSettings?id=3")), settingsReply("7", "0", "1", QStringLiteral("C")));
+}
+
+/// Texts of up to three of the pieces that mean something in a settings file.
+void WpsSettingsTest::anyNameSurvives()
+{
+    const QStringList pieces{QString(),
+                             QStringLiteral("@"),
+                             QStringLiteral("@Variant("),
+                             QStringLiteral(","),
+                             QStringLiteral(" "),
+                             QStringLiteral("\""),
+                             QStringLiteral("\\"),
+                             QStringLiteral(")"),
+                             QStringLiteral(";"),
+                             QStringLiteral("\n"),
+                             QStringLiteral("="),
+                             QStringLiteral("40"),
+                             QStringLiteral("x"),
+                             QChar(1),
+                             QStringLiteral("乀"),
+                             QChar(QChar::Null)};
+    QStringList names{QString()};
+    for (int length = 0; length < 3; ++length) {
+        QStringList longer;
+        for (const QString &name : qAsConst(names))
+            for (const QString &piece : pieces)
+                longer += name + piece;
+        longer.removeDuplicates();
+        names = longer;
+    }
+    while (names.size() % 3 != 0)
+        names += QStringLiteral("A");
+    for (int i = 0; i < names.size(); i += 3 * 11) { // every eleventh of them: each piece comes in each place
+        _STRUCT_WPS_SETTINGS_INIDATA saved;
+        saved.WPS.strName = names.at(i);
+        saved.ET.strName = names.at(i + 1);
+        saved.WPP.strName = names.at(i + 2);
+        saved.UpdateWPSSettingsToConfigureFile();
+        _STRUCT_WPS_SETTINGS_INIDATA loaded;
+        loaded.LoadWPSSettingsFromConfigureFile();
+        QCOMPARE(loaded.WPS.strName, saved.WPS.strName);
+        QCOMPARE(loaded.ET.strName, saved.ET.strName);
+        QCOMPARE(loaded.WPP.strName, saved.WPP.strName);
+    }
 }
 
 void WpsSettingsTest::clientsSeeEachOthersChanges()

@@ -1,0 +1,124 @@
+#include "service/AccessSettings.h"
+
+#include "base/SettingsFile.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+struct AccessKey {
+    const char *szName;
+    const char *szExpected;
+    /// Takes the value over into the policy; false when it is not what is expected.
+    bool (*take)(const QVariant &value, AccessPolicy &policy);
+};
+
+bool TakeListenAddress(const QVariant &value, AccessPolicy &policy)
+{
+    const QString strAddress = value.toString();
+    const QHostAddress address(strAddress);
+    // Short forms are refused, since "0" would be every interface.
+    const bool bShort = address.protocol() == QAbstractSocket::IPv4Protocol && address.toString() != strAddress;
+    if (value.type() != QVariant::String || address.isNull() || bShort)
+        return false;
+    policy.listenAddress = address;
+    return true;
+}
+
+bool TakeAllowedOrigins(const QVariant &value, AccessPolicy &policy)
+{
+    static const QRegularExpression origin(QStringLiteral("\\A(null|file://|[a-z][a-z0-9+.-]*://[^/?#@\\s]+)\\z"));
+    const bool bList = !value.isValid() || value.type() == QVariant::String || value.type() == QVariant::StringList;
+    QStringList origins = value.toStringList();
+    if (origins == QStringList(QString()))
+        origins.clear();
+    for (const QString &strOrigin : qAsConst(origins)) {
+        if (!origin.match(strOrigin).hasMatch())
+            return false;
+    }
+    policy.allowedOrigins = origins;
+    return bList;
+}
+
+bool TakeRequireOrigin(const QVariant &value, AccessPolicy &policy)
+{
+    const QString strFlag = value.toString();
+    policy.bRequireOrigin = strFlag == QLatin1String("true");
+    return value.type() == QVariant::String && (policy.bRequireOrigin || strFlag == QLatin1String("false"));
+}
+
+const AccessKey accessKeys[] = {
+    {"ListenAddress", "one IP address in full", TakeListenAddress},
+    {"AllowedOrigins", "a list of origins such as https://sign.example.org", TakeAllowedOrigins},
+    {"RequireOrigin", "true or false", TakeRequireOrigin},
+};
+
+/// Why the service stays closed; nothing when all is understood.
+using Flaw = QByteArray;
+
+/// Takes over the setting of this group and key.
+Flaw TakeSetting(const QString &strName, const QVariant &value, AccessPolicy &policy)
+{
+    for (const AccessKey &key : accessKeys) {
+        if (strName == QLatin1String("Access/") + QLatin1String(key.szName))
+            return key.take(value, policy) ? Flaw() : Flaw(key.szName) + " is not " + key.szExpected;
+    }
+    return "a key is not known, or not in the group Access"; // a misspelt one must not leave the door open
+}
+
+/// Reading the settings passes in silence over a line that is neither a setting, a group's heading nor a comment.
+bool HasOtherLines(const QByteArray &text)
+{
+    static const QRegularExpression sound(QStringLiteral(R"(\A\s*(\w+\s*=.*|\[\w+\]\s*|;.*)?\z)"));
+    const QStringList lines =
+        QString::fromUtf8(text).replace(QLatin1Char('\r'), QLatin1Char('\n')).split(QLatin1Char('\n'));
+    return std::any_of(lines.begin(), lines.end(), [](const QString &line) { return !sound.match(line).hasMatch(); });
+}
+
+/// Takes over all settings of a file.
+Flaw TakeFile(const QString &strPath, AccessPolicy &policy)
+{
+    const std::optional<QVariantMap> settings = ReadSettings(strPath);
+    if (!settings)
+        return "it cannot be read";
+    if (HasOtherLines(ReadSettingsText(strPath).value_or(QByteArray())))
+        return "a line is no setting";
+    Flaw flaw;
+    for (auto setting = settings->begin(); flaw.isEmpty() && setting != settings->end(); ++setting)
+        flaw = TakeSetting(setting.key(), setting.value(), policy);
+    return flaw;
+}
+
+/// Version 1.0 had the group in the tray settings: what it closed must not open because nobody looks there any more.
+Flaw FormerGroupIn(const QString &strPath)
+{
+    const QByteArray text = ReadSettingsText(strPath).value_or(QByteArray());
+    return text.contains("Access") ? Flaw("the group Access belongs into ") + accessSettingsName + ".conf" : Flaw();
+}
+
+bool IsWithout(const Flaw &flaw, const QString &strPath)
+{
+    if (!flaw.isEmpty())
+        std::fprintf(stderr, "mvsignpadsdk_wssvr: the service stays closed: %s: %s\n",
+                     QFile::encodeName(strPath).constData(), flaw.constData());
+    return flaw.isEmpty();
+}
+
+} // namespace
+
+AccessPolicy LoadAccessPolicy()
+{
+    AccessPolicy policy;
+    const QStringList formerPaths = SettingsPaths(traySettingsName);
+    const QStringList paths = SettingsPaths(accessSettingsName);
+    policy.bServesAnybody =
+        std::all_of(formerPaths.begin(), formerPaths.end(),
+                    [](const QString &strPath) { return IsWithout(FormerGroupIn(strPath), strPath); })
+        && std::all_of(paths.begin(), paths.end(),
+                       [&policy](const QString &strPath) { return IsWithout(TakeFile(strPath, policy), strPath); });
+    return policy;
+}
