@@ -1,7 +1,6 @@
 #include "virtualpad/Pad.h"
 
 #include "virtualpad/BuiltInSignature.h"
-#include "virtualpad/Environment.h"
 
 #include <algorithm>
 
@@ -16,6 +15,11 @@ constexpr int kMsPerPoint = 1000 / kPointsPerSecond;
 bool isWithin(int value, int smallest, int largest)
 {
     return smallest <= value && value <= largest;
+}
+
+double secondsOf(const QElapsedTimer &timer)
+{
+    return double(timer.nsecsElapsed()) / 1e9;
 }
 
 bool isCanvas(const QSize &size)
@@ -38,10 +42,10 @@ bool Pad::plugIn(int deviceId, const QSize &size, bool signedByHand)
     m_fingerprintPlace = {size, QPoint(size.width() - fingerprint.width(), size.height() - fingerprint.height()),
                           fingerprint};
     m_signedByHand = signedByHand;
-    if (!signedByHand) {
-        m_speed = environmentSpeed();
+    m_behaviour = environmentBehaviour();
+    m_pluggedIn.start();
+    if (!signedByHand)
         m_ink = environmentNamesInk() ? environmentInk() : builtInSignature(size);
-    }
     clear();
     return true;
 }
@@ -51,6 +55,19 @@ void Pad::unplug()
     const quint64 next = m_session + 1;
     *this = Pad();
     m_session = next;
+}
+
+bool Pad::isPluggedIn(int deviceId) const
+{
+    // Who signs by hand pulls the plug by hand.
+    const bool wasPulledOut =
+        !m_signedByHand && m_behaviour.unpluggedAfter && secondsOf(m_pluggedIn) >= *m_behaviour.unpluggedAfter;
+    return m_pModel != nullptr && m_pModel->deviceId == deviceId && !wasPulledOut;
+}
+
+bool Pad::hasFingerOnSensor() const
+{
+    return m_pModel->hasFingerprintSensor && secondsOf(m_pluggedIn) >= m_behaviour.fingerAfter;
 }
 
 void Pad::clear()
@@ -87,10 +104,10 @@ void Pad::pressKey(KeyEvent key)
 
 int Pad::inkCount() const
 {
-    if (m_signedByHand || m_speed == 0.0 || m_ink.isEmpty())
+    if (m_signedByHand || m_behaviour.speed == 0.0 || m_ink.isEmpty())
         return m_ink.size();
     // The first point is there one sampling step after the pad was emptied.
-    const double writtenMs = double(m_writing.nsecsElapsed()) / 1e6 * m_speed - kMsPerPoint + m_ink.first().timeMs;
+    const double writtenMs = secondsOf(m_writing) * 1e3 * m_behaviour.speed - kMsPerPoint + m_ink.first().timeMs;
     const auto *const notYet = std::upper_bound(m_ink.begin(), m_ink.end(), writtenMs,
                                                 [](double time, const InkPoint &point) { return time < point.timeMs; });
     return int(notYet - m_ink.begin());
@@ -105,7 +122,7 @@ KeyEvent Pad::keyStatus() const
 {
     if (m_signedByHand)
         return m_pressedKey;
-    return !m_ink.isEmpty() && inkCount() == m_ink.size() ? SIGNPAD_ENTER_BUTTON : SIGNPAD_NO_BUTTON;
+    return !m_ink.isEmpty() && inkCount() == m_ink.size() ? m_behaviour.key : SIGNPAD_NO_BUTTON;
 }
 
 ResultCode Pad::setPenWidth(int width)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sdk/SdkNumbers.h"
+#include "virtualpad/Environment.h"
 #include "virtualpad/Fingerprint.h"
 #include "virtualpad/PadModel.h"
 #include "virtualpad/Picture.h"
@@ -41,10 +42,12 @@ public:
     void unplug();
     /// A number that every plugIn and unplug makes a new one.
     quint64 session() const { return m_session; }
-    bool isPluggedIn(int deviceId) const { return m_pModel != nullptr && m_pModel->deviceId == deviceId; }
+    bool isPluggedIn(int deviceId) const;
     bool isSignedByHand() const { return m_signedByHand; }
     const PadModel &model() const { return *m_pModel; } ///< of the pad that is plugged in
     const QSize &size() const { return m_size; }
+    double answersAfter() const { return m_behaviour.answersAfter; } ///< seconds since it was asked
+    bool hasFingerOnSensor() const;
 
     /// Empties the pad and waits for the next key; a pad that writes by itself begins again.
     void clear();
@@ -84,10 +87,11 @@ private:
     const PadModel *m_pModel = nullptr;
     bool m_signedByHand = false;
     QSize m_size;
-    Ink m_ink;               ///< all of it, also what is not written yet
+    Ink m_ink; ///< all of it, also what is not written yet
+    QElapsedTimer m_pluggedIn;
     QElapsedTimer m_writing; ///< since the pad was last emptied; by hand, since the first point
     sdk::KeyEvent m_pressedKey = sdk::SIGNPAD_NO_BUTTON;
-    double m_speed = 1.0; ///< factor to real time, 0: at once
+    Behaviour m_behaviour;
     Pen m_pen;
     std::optional<Clip> m_clip;
     std::optional<QSize> m_wpsCanvas;

@@ -2,14 +2,28 @@
 
 #include "virtualpad/Environment.h"
 
+#include <chrono>
+#include <thread>
+
 using namespace sdk;
 
 namespace virtualpad {
 
+void waitForAnswer(int deviceId)
+{
+    double seconds = 0.0;
+    withPad(deviceId, [&](Pad &pad) {
+        seconds = pad.answersAfter();
+        return Success;
+    });
+    if (seconds > 0.0)
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
 std::optional<Drawing> drawingOf(int deviceId)
 {
     std::optional<Drawing> drawing;
-    withPad(deviceId, [&](Pad &pad) {
+    askPad(deviceId, [&](Pad &pad) {
         drawing = pad.drawing();
         return Success;
     });
@@ -75,15 +89,17 @@ int copyText(const QByteArray &text, char *pBuffer, int bufferBytes)
 void deliverNews(int deviceId)
 {
     News news;
+    Drawing drawing;
     withPad(deviceId, [&](Pad &pad) {
         news = pad.takeNews();
+        if (news.pfnPicture)
+            drawing = pad.drawing();
         return Success;
     });
     if (news.pfnPicture) {
         PictureOptions options;
         options.type = news.pictureType;
-        if (const std::optional<Drawing> drawing = drawingOf(deviceId))
-            news.pfnPicture(pictureOf(*drawing, options).toBase64().data());
+        news.pfnPicture(pictureOf(drawing, options).toBase64().data());
     }
     if (news.pfnKey)
         news.pfnKey(news.key);

@@ -20,11 +20,22 @@ int withPad(int deviceId, Action action)
     return action(shared.pad);
 }
 
-/// withPad for an action that the pad's window shows.
+/// Takes the time that the pad needs to answer.
+void waitForAnswer(int deviceId);
+
+/// withPad for what a pad is asked over its cable; single points, for one, are in the library already.
 template <typename Action>
-int withSeenPad(int deviceId, Action action)
+int askPad(int deviceId, Action action)
 {
-    const int result = withPad(deviceId, action);
+    waitForAnswer(deviceId);
+    return withPad(deviceId, action);
+}
+
+/// askPad for an action that the pad's window shows.
+template <typename Action>
+int askSeenPad(int deviceId, Action action)
+{
+    const int result = askPad(deviceId, action);
     updateWindow();
     return result;
 }
@@ -52,7 +63,7 @@ template <typename TextOfPad>
 int copyPadText(int deviceId, char *pBuffer, int bufferBytes, TextOfPad textOfPad)
 {
     QByteArray text;
-    const int result = withPad(deviceId, [&](Pad &pad) {
+    const int result = askPad(deviceId, [&](Pad &pad) {
         text = textOfPad(pad);
         return sdk::Success;
     });
@@ -67,7 +78,7 @@ template <int count, typename NumbersOfPad>
 int copyNumbers(int deviceId, void *pOut, NumbersOfPad numbersOfPad)
 {
     Numbers numbers{};
-    const int result = withPad(deviceId, [&](Pad &pad) {
+    const int result = askPad(deviceId, [&](Pad &pad) {
         numbers = numbersOfPad(pad);
         return sdk::Success;
     });

@@ -54,9 +54,9 @@ QRectF inkBounds(const Drawing &drawing)
 }
 
 /// The part of the pad that the picture shows, in pad pixels.
-QRect shownPart(const Drawing &drawing)
+QRect shownPart(const Drawing &drawing, bool clipped)
 {
-    const QRectF bounds = drawing.clip ? inkBounds(drawing) : QRectF();
+    const QRectF bounds = clipped && drawing.clip ? inkBounds(drawing) : QRectF();
     if (bounds.isEmpty())
         return QRect(QPoint(), drawing.padSize);
     const Clip &clip = *drawing.clip;
@@ -75,7 +75,7 @@ View viewOf(const Drawing &drawing, const PictureOptions &options)
 {
     if (drawing.canvas && (options.onCanvas || options.type == TransparentPngImage))
         return canvasView(drawing.padSize, *drawing.canvas);
-    const QRect part = shownPart(drawing);
+    const QRect part = shownPart(drawing, options.clipped);
     const qreal scale = qreal(options.dpi) / kScreenDpi;
     return {{scale, -QPointF(part.topLeft()) * scale},
             std::max(qRound64(part.width() * scale), qint64(1)),

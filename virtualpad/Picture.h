@@ -34,7 +34,7 @@ struct Drawing {
     QSize padSize; ///< ink outside the pad is not seen
     Ink ink;
     Pen pen;
-    std::optional<Clip> clip;    ///< none: the whole pad
+    std::optional<Clip> clip;    ///< for pictures that ask for it; none: the whole pad
     std::optional<QSize> canvas; ///< pixels; the pad fitted into another picture, for those that ask for it
 };
 
@@ -47,12 +47,14 @@ struct PictureOptions {
     int type = sdk::PngImage; ///< an ImageType; any other number makes no picture
     int dpi = kScreenDpi;     ///< 1 to kMaxDpi: the stored resolution and the size in pixels
     bool opaque = false;      ///< whether PngImage is on white
+    bool clipped = false;     ///< to the ink, as the drawing's clip says
     bool onCanvas = false;    ///< fill the drawing's canvas, if there is one; TransparentPngImage always does
 };
 
 inline bool operator==(const PictureOptions &a, const PictureOptions &b)
 {
-    return std::tie(a.type, a.dpi, a.opaque, a.onCanvas) == std::tie(b.type, b.dpi, b.opaque, b.onCanvas);
+    return std::tie(a.type, a.dpi, a.opaque, a.clipped, a.onCanvas)
+           == std::tie(b.type, b.dpi, b.opaque, b.clipped, b.onCanvas);
 }
 
 /// Whether a picture of the type is transparent where there is no ink.

@@ -55,12 +55,13 @@ unsigned char virtualpad_InitialDevice(int nID, void *, int, int, int nWidth, in
     const bool isThere = shared.pad.plugIn(nID, QSize(nWidth, nHeight), signedByHand);
     lock.unlock();
     updateWindow();
+    waitForAnswer(nID);
     return isThere ? 1 : 0;
 }
 
 int virtualpad_UnInitialDevice(int nDeviceID)
 {
-    return withSeenPad(nDeviceID, [](Pad &pad) {
+    return askSeenPad(nDeviceID, [](Pad &pad) {
         pad.unplug();
         return Success;
     });
@@ -68,7 +69,7 @@ int virtualpad_UnInitialDevice(int nDeviceID)
 
 int virtualpad_OpenLCD(int nDeviceID, int bOpen)
 {
-    return withSeenPad(nDeviceID, [=](Pad &pad) {
+    return askSeenPad(nDeviceID, [=](Pad &pad) {
         pad.lcdOn = bOpen != 0;
         return Success;
     });
@@ -76,7 +77,7 @@ int virtualpad_OpenLCD(int nDeviceID, int bOpen)
 
 void virtualpad_Clear(int nDeviceID)
 {
-    withSeenPad(nDeviceID, [](Pad &pad) {
+    askSeenPad(nDeviceID, [](Pad &pad) {
         pad.clear();
         return Success;
     });
@@ -99,7 +100,7 @@ int virtualpad_GetHWVersion(int nDeviceID, char *pBuf, int nBufSize)
 
 int virtualpad_DisplayHWVersion(int nDeviceID, bool bShow)
 {
-    return withSeenPad(nDeviceID, [=](Pad &pad) {
+    return askSeenPad(nDeviceID, [=](Pad &pad) {
         pad.showsInformation = bShow;
         return Success;
     });
@@ -107,7 +108,7 @@ int virtualpad_DisplayHWVersion(int nDeviceID, bool bShow)
 
 int virtualpad_SetPenStyle(int nDeviceID, bool bPressureOn)
 {
-    return withSeenPad(nDeviceID, [=](Pad &pad) {
+    return askSeenPad(nDeviceID, [=](Pad &pad) {
         pad.setPenPressure(bPressureOn);
         return Success;
     });
@@ -115,17 +116,17 @@ int virtualpad_SetPenStyle(int nDeviceID, bool bPressureOn)
 
 int virtualpad_SetPenWidth(int nDeviceID, int nWidth)
 {
-    return withSeenPad(nDeviceID, [=](Pad &pad) { return pad.setPenWidth(nWidth); });
+    return askSeenPad(nDeviceID, [=](Pad &pad) { return pad.setPenWidth(nWidth); });
 }
 
 int virtualpad_SetPenColor(int nDeviceID, int nR, int nG, int nB)
 {
-    return withSeenPad(nDeviceID, [=](Pad &pad) { return pad.setPenColor(nR, nG, nB); });
+    return askSeenPad(nDeviceID, [=](Pad &pad) { return pad.setPenColor(nR, nG, nB); });
 }
 
 int virtualpad_SetSaveClipImageMargin(int nDeviceID, int bEnable, int nWidth, int nHeight)
 {
-    return withPad(nDeviceID, [=](Pad &pad) { return pad.setClip(bEnable != 0, nWidth, nHeight); });
+    return askPad(nDeviceID, [=](Pad &pad) { return pad.setClip(bEnable != 0, nWidth, nHeight); });
 }
 
 void virtualpad_SignPadEventCallback(int nDeviceID, void (*pfnEvent)(int))
@@ -138,14 +139,14 @@ void virtualpad_SignPadEventCallback(int nDeviceID, void (*pfnEvent)(int))
 
 unsigned char virtualpad_SetRealTimeSignBase64DataCallback(int nDeviceID, int nType, void (*pfnSignBase64Data)(char *))
 {
-    const int nResult = withPad(nDeviceID, [=](Pad &pad) { return pad.setPictureCallback(nType, pfnSignBase64Data); });
+    const int nResult = askPad(nDeviceID, [=](Pad &pad) { return pad.setPictureCallback(nType, pfnSignBase64Data); });
     return nResult == Success ? 1 : 0;
 }
 
 int virtualpad_GetTotalInkPointsNumber(int nDeviceID)
 {
     deliverNews(nDeviceID);
-    return std::max(0, withPad(nDeviceID, [](Pad &pad) { return pad.inkCount(); }));
+    return std::max(0, askPad(nDeviceID, [](Pad &pad) { return pad.inkCount(); }));
 }
 
 int virtualpad_GetInkPointData(int nDeviceID, _STRUCT_INK_POINT_DATA *pPoint)
@@ -184,7 +185,7 @@ int virtualpad_GetDeviceConfirmOrCancelKeyStatus(int nDeviceID)
 {
     deliverNews(nDeviceID);
     // No pad and no key are the same -1.
-    return withPad(nDeviceID, [](Pad &pad) { return pad.keyStatus(); });
+    return askPad(nDeviceID, [](Pad &pad) { return pad.keyStatus(); });
 }
 
 int virtualpad_GetDeviceInfo(int nDeviceID, int nType, void *pOut)
@@ -194,7 +195,7 @@ int virtualpad_GetDeviceInfo(int nDeviceID, int nType, void *pOut)
     char *const pText = static_cast<char *>(pOut);
     switch (nType) {
     case ConnectedInfo:
-        *static_cast<bool *>(pOut) = withPad(nDeviceID, [](Pad &) { return Success; }) == Success;
+        *static_cast<bool *>(pOut) = askPad(nDeviceID, [](Pad &) { return Success; }) == Success;
         return Success;
     case LcdSizeInfo:
         return copyNumbers<2>(nDeviceID, pOut, [](Pad &pad) {
@@ -264,7 +265,7 @@ void virtualpad_FreeSVGImageBase64Data(int, char *pText)
 
 unsigned char virtualpad_InitialWPSSignCanvas(int nDeviceID, int nWidth, int nHeight)
 {
-    const int nResult = withPad(nDeviceID, [=](Pad &pad) { return pad.setWpsCanvas(QSize(nWidth, nHeight)); });
+    const int nResult = askPad(nDeviceID, [=](Pad &pad) { return pad.setWpsCanvas(QSize(nWidth, nHeight)); });
     return nResult == Success ? 1 : 0;
 }
 
@@ -286,17 +287,17 @@ int virtualpad_SetDisplayedFPImageAt(int nDeviceID, void *, int nCanvasWidth, in
 {
     const FingerprintPlace place{QSize(nCanvasWidth, nCanvasHeight), QPoint(nFPLeft, nFPTop),
                                  QSize(nFPWidth, nFPHeight)};
-    return withPad(nDeviceID, [&](Pad &pad) { return pad.setFingerprintPlace(place); });
+    return askPad(nDeviceID, [&](Pad &pad) { return pad.setFingerprintPlace(place); });
 }
 
 char *virtualpad_GetFPImageBase64Data(int nDeviceID, int nType, int bFPImageOnly)
 {
     Drawing drawing;
     FingerprintPlace place;
-    const int result = withPad(nDeviceID, [&](Pad &pad) {
+    const int result = askPad(nDeviceID, [&](Pad &pad) {
         drawing = pad.drawing();
         place = pad.fingerprintPlace();
-        return pad.model().hasFingerprintSensor ? Success : BadArgument;
+        return pad.hasFingerOnSensor() ? Success : BadArgument;
     });
     if (result != Success)
         return nullptr;
@@ -319,6 +320,7 @@ int virtualpad_SaveDrawingImage(int nDeviceID, int nType, const wchar_t *pwszFil
     PictureOptions options;
     options.type = nType;
     options.dpi = nDPI;
+    options.clipped = true;
     const QByteArray picture = pictureOf(*drawing, options);
     if (picture.isEmpty())
         return PictureTooLarge;
@@ -332,7 +334,7 @@ int virtualpad_Base64Decode(int nDeviceID, int nType, const char *pszBase64Data,
     const QByteArray data = decodedBase64(pszBase64Data);
     QString error;
     const std::optional<Ink> ink = nType == InkData ? inkFromText(data, &error) : Ink();
-    const int result = withPad(nDeviceID, [&](Pad &pad) {
+    const int result = askPad(nDeviceID, [&](Pad &pad) {
         pad.decodedInk = ink.value_or(Ink());
         return data.isEmpty() || !ink ? BadData : Success;
     });

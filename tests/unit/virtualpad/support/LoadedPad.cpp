@@ -54,8 +54,9 @@ LoadedPad::~LoadedPad()
 {
     UnInitialDevice(m_deviceId);
     m_library.unload();
-    qunsetenv("MVSIGNPAD_VIRTUAL_SPEED");
-    qunsetenv("MVSIGNPAD_VIRTUAL_INK");
+    for (const char *variable : {"MVSIGNPAD_VIRTUAL_SPEED", "MVSIGNPAD_VIRTUAL_INK", "MVSIGNPAD_VIRTUAL_KEY",
+                                 "MVSIGNPAD_VIRTUAL_FINGER", "MVSIGNPAD_VIRTUAL_UNPLUG", "MVSIGNPAD_VIRTUAL_DELAY"})
+        qunsetenv(variable);
 }
 
 bool LoadedPad::initialise(int width, int height)
