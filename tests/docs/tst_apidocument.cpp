@@ -1,28 +1,11 @@
 // docs/api.md tells of every command, once, with its keys in their order and a reply that a client can parse.
 
 #include "service/CommandTable.h"
+#include "tests/docs/ApiDocument.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMap>
-#include <QRegularExpression>
 #include <QtTest>
-
-namespace {
-
-struct Section {
-    int nCount = 0;
-    QString request;
-    QString reply;
-};
-
-QString InBackquotes(const QString &line)
-{
-    return QRegularExpression(QStringLiteral("`(.*)`$")).match(line).captured(1);
-}
-
-} // namespace
 
 class tst_ApiDocument : public QObject
 {
@@ -40,26 +23,13 @@ private Q_SLOTS:
 private:
     static void addCommands();
 
-    QMap<QString, Section> m_sections;
+    QMap<QString, ApiSection> m_sections;
 };
 
 void tst_ApiDocument::initTestCase()
 {
-    QFile file(QStringLiteral(API_DOCUMENT));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QString name;
-    for (const QString &line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
-        if (line.startsWith(QLatin1String("### "))) {
-            name = line.mid(4);
-            ++m_sections[name].nCount;
-        } else if (line.startsWith(QLatin1String("## "))) {
-            name.clear();
-        } else if (!name.isEmpty() && line.startsWith(QLatin1String("- Request: "))) {
-            m_sections[name].request = InBackquotes(line);
-        } else if (!name.isEmpty() && line.startsWith(QLatin1String("- Reply: "))) {
-            m_sections[name].reply = InBackquotes(line);
-        }
-    }
+    m_sections = ReadApiDocument();
+    QVERIFY(!m_sections.isEmpty());
 }
 
 void tst_ApiDocument::addCommands()
