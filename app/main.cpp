@@ -1,6 +1,7 @@
-#include "tray/DetectSigngleInstance.h"
 #include "base/Logging.h"
 #include "base/RuntimeSettings.h"
+#include "tray/DetectSigngleInstance.h"
+#include "tray/StatusOnBus.h"
 #include "tray/SysTrayMenuMgr.h"
 
 #include <QApplication>
@@ -17,6 +18,13 @@ void StayOutOfRestoredSessions(const QGuiApplication &application)
     QObject::connect(&application, &QGuiApplication::saveStateRequest, neverRestart);
 }
 
+/// The log's first switch; mvsignctl sets it later.
+void StartLogIfAsked()
+{
+    if (qEnvironmentVariableIntValue("MVSIGNPAD_LOG") == 1)
+        g_bEnableLog = true;
+}
+
 int RunFirstInstance()
 {
     static const char tag[] = "main()";
@@ -25,6 +33,8 @@ int RunFirstInstance()
     MV_LOG(tag, "First instance coming, keep going...");
 
     SysTrayMenuMgr manager(nullptr);
+    StatusOnBus statusOnBus;
+    QObject::connect(&manager, &SysTrayMenuMgr::statusChanged, &statusOnBus, &StatusOnBus::SetServiceStatus);
     QObject::connect(&manager, &SysTrayMenuMgr::closed, &QCoreApplication::quit);
     manager.Initialize();
     MV_LOG(tag, "after call SysTrayMenuMgr.Initialize()...");
@@ -36,6 +46,7 @@ int RunFirstInstance()
 int main(int argc, char *argv[])
 {
     ApplyRuntimeSettings();
+    StartLogIfAsked();
     QApplication application(argc, argv);
     // The tray menu is the program's only window of its own: closing any other window must not end it.
     QApplication::setQuitOnLastWindowClosed(false);

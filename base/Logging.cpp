@@ -4,24 +4,49 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #ifdef MVSIGNPAD_DIAGNOSTIC_LOG
-bool g_bEnableLog = true;
+std::atomic<bool> g_bEnableLog{true};
 #else
-bool g_bEnableLog = false;
+std::atomic<bool> g_bEnableLog{false};
 #endif
 
 char g_cKeyBuf[256];
 
 namespace {
 
+/// Opens the user's own file for appending. -1 when there is something else of that name: in /tmp anybody can lay a
+/// link or a file of theirs there first.
+int OpenOwnFile(const char *path, struct stat &status)
+{
+    const int file = open(path, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (file < 0)
+        return -1;
+    const bool bOwn = fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid()
+                      && status.st_nlink == 1 && ((status.st_mode & 077) == 0 || fchmod(file, 0600) == 0);
+    if (bOwn)
+        return file;
+    close(file);
+    return -1;
+}
+
 void AppendToFile(const char *path, const char *tag, const char *message, const char *tail)
 {
-    std::FILE *file = std::fopen(path, "a+");
-    if (!file)
+    struct stat status {
+    };
+    int file = OpenOwnFile(path, status);
+    if (file >= 0 && status.st_size >= nLargestLog) {
+        close(file);
+        file = std::rename(path, (std::string(path) + ".1").c_str()) == 0 ? OpenOwnFile(path, status) : -1;
+    }
+    if (file < 0)
         return;
-    std::fprintf(file, "[%s]:%s, %s", tag, message, tail);
-    std::fclose(file);
+    dprintf(file, "[%s]:%s, %s", tag, message, tail);
+    close(file);
 }
 
 class NarrowText

@@ -4,10 +4,15 @@
 // evaluate nothing else while it is off.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
-/// The switch. False unless built with MVSIGNPAD_DIAGNOSTIC_LOG; read at every log site.
-extern bool g_bEnableLog;
+/// The switch, read at every log site: what is set takes effect at the next one. False at first, unless built with
+/// MVSIGNPAD_DIAGNOSTIC_LOG. Any thread.
+extern std::atomic<bool> g_bEnableLog;
+
+/// Bytes that one of the two files grows to before it makes room: it is then kept as NAME.1, in place of an older one.
+constexpr long nLargestLog = 8 * 1024 * 1024;
 
 /// The one formatting buffer of every log site of every thread. Not locked: lines of two threads may mix.
 extern char g_cKeyBuf[256];
@@ -15,7 +20,8 @@ extern char g_cKeyBuf[256];
 /// Milliseconds of the monotonic clock, truncated. Any thread.
 std::uint64_t GetTickCount();
 
-/// Appends "[tag]:message, tail" to the main thread's log file; does nothing when the file cannot be opened.
+/// Appends "[tag]:message, tail" to the main thread's log file, which only the user can read; does nothing when the
+/// file cannot be opened or is not the user's own.
 void MyDebug(const char *tag, const char *message, const char *tail);
 /// The same for wide texts, converted to the current locale, each cut at 255 bytes.
 void MyDebug(const wchar_t *tag, const wchar_t *message, const wchar_t *tail);
@@ -31,6 +37,6 @@ void WriteLogLine(LogSink sink, const char *tag, const char *format, ...) __attr
 #define MV_LOG_INSIDE_THREAD(tag, ...) MV_LOG_TO(MyDebug_InsideThread, tag, __VA_ARGS__)
 #define MV_LOG_TO(sink, tag, ...)                                                                                      \
     do {                                                                                                               \
-        if (g_bEnableLog)                                                                                              \
+        if (g_bEnableLog.load(std::memory_order_relaxed))                                                              \
             WriteLogLine(sink, tag, __VA_ARGS__);                                                                      \
     } while (false)

@@ -8,6 +8,7 @@
 #include "sdk/SdkNumbers.h"
 
 #include <QByteArray>
+#include <QFileInfo>
 #include <QString>
 
 /// Log line of a pad operation, under the model's own class name.
@@ -24,6 +25,8 @@ public:
     ~SdkClient() override;
     SdkClient(const SdkClient &) = delete;
     SdkClient &operator=(const SdkClient &) = delete;
+
+    PadStatus Status() final;
 
 protected:
     static QByteArray LogTag(const char *operation) { return QByteArray(Sdk::szClassName) + "::" + operation + "()"; }
@@ -107,6 +110,23 @@ bool SdkClient<Sdk>::LoadMVSignPadSDK()
     }
     MV_LOG_PAD("LoadMVSignPadSDK", "Leave, bRet=%d", bRet);
     return bRet;
+}
+
+template <class Sdk>
+PadStatus SdkClient<Sdk>::Status()
+{
+    PadStatus status;
+    status.strModel = QString::fromLatin1(Sdk::szClassName).remove(QStringLiteral("SignObj"));
+    if (!this->m_pSDKLibrary->isLoaded()) {
+        status.strLibraryError = this->m_pSDKLibrary->errorString();
+        return status;
+    }
+    status.strLibrary = QFileInfo(this->m_pSDKLibrary->fileName()).canonicalFilePath();
+    this->ForEachFunction([&status](const char *name, auto &pfn) {
+        if (!pfn)
+            status.missingFunctions.append(QString::fromLatin1(name));
+    });
+    return status;
 }
 
 template <class Sdk>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/PadStatus.h"
+
 #include <QString>
 
 /// One signature pad. The values returned here are those of a pad that lacks the operation; a model overrides what
@@ -73,4 +75,7 @@ public:
         return false;
     }
     virtual bool InitialWPSSignCanvas(int /*nWidth*/, int /*nHeight*/) { return false; }
+
+    /// The model, open or not, and the library as this object found it; asks neither library nor pad.
+    virtual PadStatus Status() { return {}; }
 };

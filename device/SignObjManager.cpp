@@ -63,7 +63,9 @@ bool SignObjManager::InitialDevice(int nID, int nWidth, int nHeight)
         DeletePadObject("InitialDevice"); // before the next one loads the library
     }
     m_pCurrentActiveSignObj = CreatePadObject(nID);
-    return Forward({"InitialDevice"}, &SignObjInterface::InitialDevice, nID, nWidth, nHeight);
+    m_bStatusChanged = true;
+    m_bOpen = Forward({"InitialDevice"}, &SignObjInterface::InitialDevice, nID, nWidth, nHeight);
+    return m_bOpen;
 }
 
 bool SignObjManager::UnInitialDevice()
@@ -74,9 +76,18 @@ bool SignObjManager::UnInitialDevice()
         bResult = m_pCurrentActiveSignObj->UnInitialDevice();
         MV_LOG_MANAGER("UnInitialDevice", "after call m_pCurrentActiveSignObj->UnInitialDevice(), bResult=%d", bResult);
         DeletePadObject("UnInitialDevice");
+        m_bStatusChanged = true;
     }
     MV_LOG_MANAGER("UnInitialDevice", "Leave, bResult=%d", bResult);
     return bResult;
+}
+
+PadStatus SignObjManager::Status() const
+{
+    PadStatus status = m_pCurrentActiveSignObj ? m_pCurrentActiveSignObj->Status() : PadStatus();
+    if (!m_bOpen)
+        status.strModel.clear();
+    return status;
 }
 
 bool SignObjManager::IsValid()

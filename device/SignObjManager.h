@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Logging.h"
+#include "device/PadStatus.h"
 #include "device/SignObjInterface.h"
 
 #include <QByteArray>
@@ -58,6 +59,10 @@ public:
                                            void (*pfnSignBase64DataCallback)(char *));
     bool InitialWPSSignCanvas(int nWidth, int nHeight);
 
+    PadStatus Status() const;
+    /// True when the status may have changed since the last call.
+    bool TakeStatusChange() { return std::exchange(m_bStatusChanged, false); }
+
 private:
     /// What an operation with a result writes and, without a pad object, answers.
     template <class Result>
@@ -82,6 +87,8 @@ private:
     void Forward(const char *operation, void (SignObjInterface::*target)(Parameters...), Arguments &&...arguments);
 
     std::unique_ptr<SignObjInterface> m_pCurrentActiveSignObj;
+    bool m_bOpen = false; // as the pad object answered
+    bool m_bStatusChanged = false;
 };
 
 #define MV_LOG_MANAGER(operation, ...) MV_LOG_INSIDE_THREAD(LogTag(operation).constData(), __VA_ARGS__)

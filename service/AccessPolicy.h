@@ -8,6 +8,7 @@
 /// Who may reach the service. As it stands here: everybody.
 struct AccessPolicy {
     bool bServesAnybody = true;                ///< false: the service does not listen at all
+    QString strClosedReason;                   ///< why it does not, in one line of English
     std::optional<QHostAddress> listenAddress; ///< absent: every interface
     std::optional<QStringList> allowedOrigins; ///< absent: all
     bool bRequireOrigin = false;               ///< whether a client without an origin is turned away

@@ -100,25 +100,34 @@ Flaw FormerGroupIn(const QString &strPath)
     return text.contains("Access") ? Flaw("the group Access belongs into ") + accessSettingsName + ".conf" : Flaw();
 }
 
-bool IsWithout(const Flaw &flaw, const QString &strPath)
+bool IsWithout(const Flaw &flaw, const QString &strPath, AccessPolicy &policy)
 {
     if (!flaw.isEmpty())
-        std::fprintf(stderr, "mvsignpadsdk_wssvr: the service stays closed: %s: %s\n",
-                     QFile::encodeName(strPath).constData(), flaw.constData());
+        policy.strClosedReason = strPath + QStringLiteral(": ") + QString::fromLatin1(flaw);
     return flaw.isEmpty();
 }
 
 } // namespace
 
-AccessPolicy LoadAccessPolicy()
+AccessPolicy ReadAccessPolicy()
 {
     AccessPolicy policy;
     const QStringList formerPaths = SettingsPaths(traySettingsName);
     const QStringList paths = SettingsPaths(accessSettingsName);
     policy.bServesAnybody =
         std::all_of(formerPaths.begin(), formerPaths.end(),
-                    [](const QString &strPath) { return IsWithout(FormerGroupIn(strPath), strPath); })
-        && std::all_of(paths.begin(), paths.end(),
-                       [&policy](const QString &strPath) { return IsWithout(TakeFile(strPath, policy), strPath); });
+                    [&policy](const QString &strPath) { return IsWithout(FormerGroupIn(strPath), strPath, policy); })
+        && std::all_of(paths.begin(), paths.end(), [&policy](const QString &strPath) {
+               return IsWithout(TakeFile(strPath, policy), strPath, policy);
+           });
+    return policy;
+}
+
+AccessPolicy LoadAccessPolicy()
+{
+    AccessPolicy policy = ReadAccessPolicy();
+    if (!policy.bServesAnybody)
+        std::fprintf(stderr, "mvsignpadsdk_wssvr: the service stays closed: %s\n",
+                     QFile::encodeName(policy.strClosedReason).constData());
     return policy;
 }

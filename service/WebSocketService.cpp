@@ -14,6 +14,7 @@
 #include <QMetaObject>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QTcpServer>
 #include <QTimer>
 #include <QWebSocket>
 #include <QWebSocketCorsAuthenticator>
@@ -35,6 +36,9 @@ constexpr int nSmallReply = 128;
 
 /// Bytes of a message. A text of Qt holds little more; making a longer one would end the program.
 constexpr quint64 nLongestMessage = 1000000000;
+
+/// How long the changes of the status are gathered.
+constexpr int nStatusDelayMs = 100;
 
 /// How long nobody is let in when the process has run out of descriptors.
 constexpr int nAcceptPauseMs = 1000;
@@ -63,11 +67,14 @@ QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
 WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy accessPolicy)
     : QObject(parent), m_pWebSocketServer(new QWebSocketServer(QStringLiteral("MVSignPadSDK - WebSocketServer"),
                                                                QWebSocketServer::NonSecureMode, this)),
-      m_nPort(port), m_accessPolicy(std::move(accessPolicy))
+      m_nPort(port), m_accessPolicy(std::move(accessPolicy)), m_pStatusTimer(new QTimer(this))
 {
     static const char tag[] = "WebSocketService::WebSocketService()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, m_nPort=%d", m_nPort);
     m_WPSSettings.LoadWPSSettingsFromConfigureFile();
+    m_pStatusTimer->setSingleShot(true);
+    m_pStatusTimer->setInterval(nStatusDelayMs);
+    connect(m_pStatusTimer, &QTimer::timeout, this, &WebSocketService::TellStatus);
     if (Listen()) {
         connect(m_pWebSocketServer, &QWebSocketServer::newConnection, this, &WebSocketService::onNewConnection);
         connect(m_pWebSocketServer, &QWebSocketServer::closed, this, &WebSocketService::closed);
@@ -109,19 +116,56 @@ WebSocketService::~WebSocketService()
 
 bool WebSocketService::Listen()
 {
-    if (!m_accessPolicy.bServesAnybody)
+    m_status.nPort = m_nPort;
+    m_status.strAddress = m_accessPolicy.listenAddress ? m_accessPolicy.listenAddress->toString() : QStringLiteral("*");
+    if (!m_accessPolicy.bServesAnybody) {
+        m_status.state = ServiceStatus::ClosedBySettings;
+        m_status.strReason = m_accessPolicy.strClosedReason;
         return false;
+    }
     if (m_accessPolicy.LooksAtOrigins())
         connect(m_pWebSocketServer, &QWebSocketServer::originAuthenticationRequired, this,
                 &WebSocketService::CheckOrigin);
     // By default every interface, although the URL that it serves says "localhost": on purpose.
     const bool bListening =
         m_pWebSocketServer->listen(m_accessPolicy.listenAddress.value_or(QHostAddress::Any), m_nPort);
+    NoteListening(bListening);
     if (!bListening && m_accessPolicy.listenAddress)
         std::fprintf(stderr,
                      "mvsignpadsdk_wssvr: the service stays closed: it cannot listen at the ListenAddress: %s\n",
                      m_pWebSocketServer->errorString().toLocal8Bit().constData());
     return bListening;
+}
+
+void WebSocketService::NoteListening(bool bListening)
+{
+    if (bListening) {
+        m_status.state = ServiceStatus::Listening;
+        return;
+    }
+    const auto *const pSocket = m_pWebSocketServer->findChild<QTcpServer *>();
+    const bool bTaken = pSocket && pSocket->serverError() == QAbstractSocket::AddressInUseError;
+    m_status.state = bTaken ? ServiceStatus::PortTaken : ServiceStatus::ClosedBySettings;
+    m_status.strReason = m_pWebSocketServer->errorString();
+}
+
+void WebSocketService::TellStatus()
+{
+    ServiceStatus status = m_status;
+    status.clients.reserve(m_clients.size());
+    for (const QWebSocket *pClient : qAsConst(m_clients))
+        status.clients.append(
+            {pClient->origin(),
+             QStringLiteral("%1 %2").arg(pClient->peerAddress().toString()).arg(pClient->peerPort())});
+    if (m_pSignObjMgr)
+        status.pad = m_pSignObjMgr->Status();
+    Q_EMIT statusChanged(status);
+}
+
+void WebSocketService::TellStatusSoon()
+{
+    if (!m_pStatusTimer->isActive())
+        m_pStatusTimer->start();
 }
 
 void WebSocketService::CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const
@@ -150,6 +194,7 @@ void WebSocketService::onNewConnection()
         LimitIncomingMessages(*pClient, nLongestMessage);
         m_pConnections->Add(pClient);
         m_clients.append(pClient);
+        TellStatusSoon();
     }
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
@@ -160,6 +205,7 @@ void WebSocketService::socketDisconnected()
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
     if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender())) {
         m_clients.removeAll(pClient);
+        TellStatusSoon();
         m_pConnections->Remove(pClient);
         pClient->deleteLater();
     }
@@ -214,6 +260,8 @@ QByteArray WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &
             strAPI = m_APINameList.at(nCommand);
             strResult = std::move(*result);
         }
+        if (m_pSignObjMgr->TakeStatusChange())
+            TellStatusSoon();
     }
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
     return ReplyEnvelope(strAPI, strResult);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/AccessPolicy.h"
+#include "service/ServiceStatus.h"
 #include "service/WpsSettings.h"
 
 #include <QByteArray>
@@ -14,6 +15,7 @@
 class ClientConnections;
 class QWebSocket;
 class QWebSocketCorsAuthenticator;
+class QTimer;
 class QWebSocketServer;
 class SignObjManager;
 
@@ -41,8 +43,13 @@ public:
     /// Sends a picture in base64 to every client, in the order in which they connected; nothing when it is null.
     Q_INVOKABLE void ProcessSignBase64Data(const QByteArray &data);
 
+    /// Reports the service as it is now.
+    void TellStatus();
+
 Q_SIGNALS:
     void closed();
+    /// Soon after every change, but not for each of many.
+    void statusChanged(const ServiceStatus &status);
 
 private Q_SLOTS:
     void onNewConnection();
@@ -52,6 +59,8 @@ private Q_SLOTS:
 
 private:
     bool Listen();
+    void NoteListening(bool bListening);
+    void TellStatusSoon();
     void CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const;
     void SetupMVSignPadSDKAPINameList();
     int RecognisedCommand(const QString &strMsg) const;
@@ -66,6 +75,8 @@ private:
     AccessPolicy m_accessPolicy;
     QString m_strServiceUrl; // what every request must begin with
     QStringList m_APINameList;
+    ServiceStatus m_status; // but for what changes while it listens
+    QTimer *m_pStatusTimer; // child
     std::unique_ptr<SignObjManager> m_pSignObjMgr;
 };
 

@@ -47,6 +47,9 @@ void WebSocketThread::run()
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
     m_pWebSocketService =
         std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort), nullptr, m_accessPolicy);
+    connect(m_pWebSocketService.get(), &WebSocketService::statusChanged, this, &WebSocketThread::statusChanged,
+            Qt::DirectConnection); // this object lives on the thread of whoever listens
+    m_pWebSocketService->TellStatus();
     MV_LOG_INSIDE_THREAD(tag, "b4 call exec()...");
     exec();
     // The thread that owns this object deletes the service: its sockets must not wait for this one's event loop.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/AccessPolicy.h"
+#include "service/ServiceStatus.h"
 
 #include <QThread>
 
@@ -17,6 +18,10 @@ public:
     WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy = {});
     /// Deletes the service, on the deleting thread. The thread must have ended.
     ~WebSocketThread() override;
+
+Q_SIGNALS:
+    /// The service's state once it has started, and after every change. Emitted on the service's thread.
+    void statusChanged(const ServiceStatus &status);
 
 protected:
     void run() override;

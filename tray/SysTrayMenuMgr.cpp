@@ -34,11 +34,19 @@ void SetAutostartEntry(int nOSProductID, bool bLaunch)
         QFile::remove(target);
 }
 
+ServiceStatus StoppedInTheMenu()
+{
+    ServiceStatus status;
+    status.strReason = QStringLiteral("switched off in the menu");
+    return status;
+}
+
 } // namespace
 
 SysTrayMenuMgr::SysTrayMenuMgr(QObject *parent) : QObject(parent)
 {
     static const char tag[] = "SysTrayMenuMgr::SysTrayMenuMgr()";
+    qRegisterMetaType<ServiceStatus>();
     const QString productType = QSysInfo::productType();
     MV_LOG(tag, "Enter, OSProductType=%s", productType.toUtf8().constData());
     m_nOSProductID = DesktopVariantOf(productType);
@@ -132,6 +140,7 @@ void SysTrayMenuMgr::CreateEntries(const TrayTexts &texts, QMenu &menu)
     m_pAutoLaunchAction = AddEntry(texts.szAutoLaunch, true, &SysTrayMenuMgr::AutoLaunchService);
     QAction *const pExitAction = AddEntry(texts.szExit, false, &SysTrayMenuMgr::ExitWebSocketService);
 
+    Q_EMIT statusChanged(StoppedInTheMenu());
     if (INIDATA.bStartWebService) {
         INIDATA.bStartWebServiceWithSSL = false;
         m_pStartServiceAction->setChecked(true);
@@ -154,6 +163,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
     if (bOpenService && !m_pWebSocketThread) {
         m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy());
+        connect(m_pWebSocketThread, &WebSocketThread::statusChanged, this, &SysTrayMenuMgr::statusChanged);
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
     } else if (!bOpenService && m_pWebSocketThread) {
@@ -162,6 +172,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
         m_pWebSocketThread->wait();
         delete m_pWebSocketThread;
         m_pWebSocketThread = nullptr;
+        Q_EMIT statusChanged(StoppedInTheMenu());
         MV_LOG(tag, "after call m_pWebSocketThread = nullptr...");
     }
     MV_LOG(tag, "Leave !");

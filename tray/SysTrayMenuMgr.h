@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/ServiceStatus.h"
 #include "tray/TraySettings.h"
 
 #include <QObject>
@@ -41,6 +42,8 @@ public:
 Q_SIGNALS:
     /// The program is to end: the exit entry was chosen, or there is no tray.
     void closed();
+    /// The service is in another state than before.
+    void statusChanged(const ServiceStatus &status);
 
 public Q_SLOTS:
     void StartWebSocketService();

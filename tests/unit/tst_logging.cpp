@@ -57,6 +57,9 @@ private Q_SLOTS:
     void tickIsTheMonotonicClock();
     void ticksOfAFileNeverDecrease();
     void unwritableFileIsSkipped();
+    void onlyTheUserCanRead();
+    void foreignFilesAreLeftAlone();
+    void sizeIsBounded();
 
 private:
     void removeFiles() const;
@@ -240,6 +243,67 @@ void LoggingTest::unwritableFileIsSkipped()
     MyDebug("main()", "lost", "\n");
     MyDebug(L"main()", L"lost", L"\n");
     QCOMPARE(rmdir(mainLog), 0);
+}
+
+void LoggingTest::onlyTheUserCanRead()
+{
+    const mode_t mask = umask(0);
+    MyDebug("main()", "one", "\n");
+    MyDebug_InsideThread("run()", "one", "\n");
+    umask(mask);
+    for (const char *path : {mainLog, threadLog}) {
+        struct stat status {
+        };
+        QCOMPARE(stat(path, &status), 0);
+        QCOMPARE(status.st_mode & 07777, mode_t(0600));
+    }
+    QCOMPARE(chmod(mainLog, 0644), 0); // as an older version left it
+    MyDebug("main()", "two", "\n");
+    struct stat status {
+    };
+    QCOMPARE(stat(mainLog, &status), 0);
+    QCOMPARE(status.st_mode & 07777, mode_t(0600));
+}
+
+/// Anybody can lay a file or a link of that name into /tmp first.
+void LoggingTest::foreignFilesAreLeftAlone()
+{
+    const char other[] = "/tmp/of-somebody-else";
+    QFile file(QString::fromLatin1(other));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    QCOMPARE(symlink(other, mainLog), 0);
+    MyDebug("main()", "lost", "\n");
+    QCOMPARE(unlink(mainLog), 0);
+    QCOMPARE(link(other, mainLog), 0);
+    MyDebug("main()", "lost", "\n");
+    QCOMPARE(unlink(mainLog), 0);
+    QCOMPARE(mkfifo(mainLog, 0600), 0); // nobody reads it: opening must not wait
+    MyDebug("main()", "lost", "\n");
+    QCOMPARE(unlink(mainLog), 0);
+    if (geteuid() == 0 && chown(other, 65534, 65534) == 0) {
+        QCOMPARE(rename(other, mainLog), 0);
+        MyDebug("main()", "lost", "\n");
+        QCOMPARE(content(mainLog), QByteArray());
+    } else {
+        QCOMPARE(content(other), QByteArray());
+        QCOMPARE(unlink(other), 0);
+    }
+}
+
+void LoggingTest::sizeIsBounded()
+{
+    const QString older = QString::fromLatin1(mainLog) + QStringLiteral(".1");
+    QFile file(QString::fromLatin1(mainLog));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(8 * 1024 * 1024 - 1));
+    file.close();
+    MyDebug("main()", "the last", "\n");
+    QVERIFY(!QFile::exists(older));
+    MyDebug("main()", "the first", "\n");
+    QCOMPARE(content(mainLog), QByteArray("[main()]:the first, \n"));
+    QVERIFY(content(older.toLatin1().constData()).endsWith("[main()]:the last, \n"));
+    QVERIFY(QFile::remove(older));
 }
 
 QTEST_GUILESS_MAIN(LoggingTest)

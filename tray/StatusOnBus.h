@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tray/StatusAdaptor.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QVariantMap>
+
+#include <functional>
+
+/// The program's state as an object of the session bus, see docs/status.md; nothing where there is no bus. Never waits
+/// for the bus. Main thread only.
+class StatusOnBus : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Looks for the bus; the object is there a moment after the event loop has started.
+    explicit StatusOnBus(QObject *parent = nullptr);
+    ~StatusOnBus() override;
+
+    void SetServiceStatus(const ServiceStatus &status);
+
+    const ServiceStatus &Service() const { return m_service; }
+
+    /// Switches the diagnostic log, when the call comes from a process of the user's.
+    void SetLog(bool bOn, const QDBusMessage &call);
+
+private:
+    void Publish(const QString &busAddress);
+    void AnnounceChanges();
+    /// Finds out who calls; then does what is asked and replies, or refuses.
+    void ForOwnProcesses(const QDBusMessage &call, const std::function<void()> &action);
+
+    ServiceStatus m_service;
+    StatusAdaptor *m_pAdaptor; // child
+    QDBusConnection m_bus;
+    QVariantMap m_announced; // the properties as listeners know them
+};
