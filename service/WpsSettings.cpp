@@ -5,19 +5,22 @@
 
 namespace {
 
+template <class Application, class Visitor>
+void ForEachSettingOf(Application &application, const QString &suffix, Visitor visit)
+{
+    visit(QStringLiteral("EnableDateTime_") + suffix, application.bEnableDateTime);
+    visit(QStringLiteral("EnableAutoFit_") + suffix, application.bEnableAutoFit);
+    visit(QStringLiteral("PenWidth_") + suffix, application.nPenWidth);
+    visit(QStringLiteral("Name_") + suffix, application.strName);
+}
+
 /// Calls visit(key, field) for every setting, in the order of the file.
 template <class Settings, class Visitor>
 void ForEachSetting(Settings &settings, Visitor visit)
 {
-    const auto visitApplication = [&visit](const QString &suffix, auto &application) {
-        visit(QStringLiteral("EnableDateTime_") + suffix, application.bEnableDateTime);
-        visit(QStringLiteral("EnableAutoFit_") + suffix, application.bEnableAutoFit);
-        visit(QStringLiteral("PenWidth_") + suffix, application.nPenWidth);
-        visit(QStringLiteral("Name_") + suffix, application.strName);
-    };
-    visitApplication(QStringLiteral("WPS"), settings.WPS);
-    visitApplication(QStringLiteral("ET"), settings.ET);
-    visitApplication(QStringLiteral("WPP"), settings.WPP);
+    ForEachSettingOf(settings.WPS, QStringLiteral("WPS"), visit);
+    ForEachSettingOf(settings.ET, QStringLiteral("ET"), visit);
+    ForEachSettingOf(settings.WPP, QStringLiteral("WPP"), visit);
 }
 
 } // namespace
