@@ -1,28 +1,29 @@
-// Calls that Qt renamed or added after 5.9, the oldest version that this program is built against.
+// What Qt has had under other names or not at all since 5.9, the oldest version that this program runs with. It is
+// built with a newer one and must not need what only that has: not even under a name that is old in the source.
 #pragma once
 
 #include <QFontMetrics>
 #include <QString>
+#include <QThread>
+
+#include <climits>
+
+class QWebSocket;
 
 /// Advance width of a whole text in pixels.
 inline int TextWidth(const QFontMetrics &metrics, const QString &text)
 {
-#if QT_VERSION >= QT_VERSION_CHECK(5, 11, 0)
-    return metrics.horizontalAdvance(text);
-#else
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
     return metrics.width(text);
-#endif
+    QT_WARNING_POP
 }
 
-/// Ends the connection of a QWebSocket whose peer announces more than so many bytes; an older Qt has no such limit.
-template <class WebSocket>
-void LimitIncomingMessages(WebSocket &socket, quint64 nBytes)
+/// Waits without a limit until a thread has ended.
+inline void WaitForEnd(QThread &thread)
 {
-#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
-    socket.setMaxAllowedIncomingFrameSize(nBytes);
-    socket.setMaxAllowedIncomingMessageSize(nBytes);
-#else
-    Q_UNUSED(socket)
-    Q_UNUSED(nBytes)
-#endif
+    thread.wait(ULONG_MAX); // without an argument it is a newer function
 }
+
+/// Ends the connection of a socket whose peer announces more than so many bytes; an older Qt has no such limit.
+void LimitIncomingMessages(QWebSocket &socket, quint64 nBytes);

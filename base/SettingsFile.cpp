@@ -56,7 +56,7 @@ QStringList SettingsPaths(const char *szName)
     QStringList paths(QSettings(Organization(), name).fileName());
     const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation).mid(1);
     for (const QString &folder : folders)
-        paths.prepend(QStringLiteral("%1/%2/%3.conf").arg(folder, Organization(), name));
+        paths.prepend(folder + QLatin1Char('/') + Organization() + QLatin1Char('/') + name + QStringLiteral(".conf"));
     return paths;
 }
 

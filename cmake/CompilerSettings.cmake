@@ -15,6 +15,11 @@ add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
                         QT_DEPRECATED_WARNINGS QT_DISABLE_DEPRECATED_BEFORE=0x050900)
 add_link_options(-Wl,--as-needed)
 
+# What is built with a newer Qt or compiler runs with an older one: no mark of the Qt version that must be there, and the
+# form of operator delete that every C++ runtime has.
+add_compile_definitions(QT_NO_VERSION_TAGGING)
+add_compile_options(-fno-sized-deallocation)
+
 # Hardening: checked stack and library calls, tables that are read-only before main() is, code at a random address.
 add_compile_options(-fstack-protector-strong)
 add_link_options(-Wl,-z,relro -Wl,-z,now "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>")

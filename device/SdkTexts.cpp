@@ -17,6 +17,13 @@ QString TextFromBuffer(const char *buffer, std::size_t size)
     return QString::fromUtf8(buffer, static_cast<int>(qstrnlen(buffer, static_cast<uint>(size))));
 }
 
+QVector<wchar_t> TextForLibrary(const QString &strText)
+{
+    QVector<wchar_t> codePoints(strText.size() + 1); // all zero
+    strText.toWCharArray(codePoints.data());
+    return codePoints;
+}
+
 bool IsDeviceInfoType(int nType)
 {
     return nType >= sdk::ConnectedInfo && nType <= sdk::VersionInfo;

@@ -1,9 +1,10 @@
-// Texts and records as the maker's library hands them over. Nothing here trusts the library to terminate a text.
+// Texts and records as they cross to the maker's library and back. Nothing here trusts the library to terminate a text.
 #pragma once
 
 #include "sdk/SdkNumbers.h"
 
 #include <QString>
+#include <QVector>
 
 #include <cstddef>
 
@@ -12,6 +13,9 @@ QString TextFromLibrary(const char *szText);
 
 /// The buffer as UTF-8 text up to its first NUL, at most size bytes.
 QString TextFromBuffer(const char *buffer, std::size_t size);
+
+/// A text as the library takes it: its code points with a NUL after them.
+QVector<wchar_t> TextForLibrary(const QString &strText);
 
 /// What GetDeviceInfo fills, whatever the type: a flag, one or two ints, or a text.
 union DeviceInfo {

@@ -37,7 +37,7 @@ QString SignObjModel<Sdk>::Decode(int nType, QString strPath, QString strData)
         // Always below /tmp, on purpose, even when the path is absolute already.
         m_strDecodeFilePath = QStringLiteral("/tmp/") + strPath;
         this->CallAndLogResult("Decode", decode, nType, strData.toUtf8().constData(),
-                               m_strDecodeFilePath.toStdWString().c_str());
+                               TextForLibrary(m_strDecodeFilePath).constData());
         if (nType == sdk::InkData)
             strResult = DecodedPoints();
     }
@@ -80,7 +80,7 @@ QString SignObjModel<Sdk>::SaveDrawImage(int nType, int nDPI, QString strPath)
     if (this->IsBound(save)) {
         if (!strPath.contains(QLatin1Char('/')))
             strPath.prepend(QLatin1String("/tmp/"));
-        const int nResult = save.pfn(Sdk::nDeviceID, nType, strPath.toStdWString().c_str(), nDPI);
+        const int nResult = save.pfn(Sdk::nDeviceID, nType, TextForLibrary(strPath).constData(), nDPI);
         MV_LOG_PAD("SaveDrawImage", "after call m_pfn_%s(), nResult=%d", save.szName, nResult);
         strResult = nResult != sdk::Success ? QString::number(nResult) : strPath;
     }

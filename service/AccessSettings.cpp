@@ -74,9 +74,9 @@ Flaw TakeSetting(const QString &strName, const QVariant &value, AccessPolicy &po
 bool HasOtherLines(const QByteArray &text)
 {
     static const QRegularExpression sound(QStringLiteral(R"(\A\s*(\w+\s*=.*|\[\w+\]\s*|;.*)?\z)"));
-    const QStringList lines =
-        QString::fromUtf8(text).replace(QLatin1Char('\r'), QLatin1Char('\n')).split(QLatin1Char('\n'));
-    return std::any_of(lines.begin(), lines.end(), [](const QString &line) { return !sound.match(line).hasMatch(); });
+    const QList<QByteArray> lines = QByteArray(text).replace('\r', '\n').split('\n');
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const QByteArray &line) { return !sound.match(QString::fromUtf8(line)).hasMatch(); });
 }
 
 /// Takes over all settings of a file.

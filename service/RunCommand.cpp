@@ -131,10 +131,11 @@ Reply GetWPSSettings(WebSocketService &service, const Command &command, const QS
     if (!values)
         return {};
     const WpsApplicationSettings &settings = service.WPSSettings().Application(Number(values->at(0)));
-    const QJsonObject object{{QStringLiteral("EnableDateTime"), ToText(settings.bEnableDateTime)},
-                             {QStringLiteral("EnableAutoFit"), ToText(settings.bEnableAutoFit)},
-                             {QStringLiteral("CurrentPenWidth"), ToText(settings.nPenWidth)},
-                             {QStringLiteral("Name"), settings.strName}};
+    QJsonObject object;
+    object.insert(QStringLiteral("EnableDateTime"), ToText(settings.bEnableDateTime));
+    object.insert(QStringLiteral("EnableAutoFit"), ToText(settings.bEnableAutoFit));
+    object.insert(QStringLiteral("CurrentPenWidth"), ToText(settings.nPenWidth));
+    object.insert(QStringLiteral("Name"), settings.strName);
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 

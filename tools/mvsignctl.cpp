@@ -45,7 +45,8 @@ public:
         connect(&m_socket, &QWebSocket::connected, this, [this] { m_socket.sendTextMessage(m_options.request); });
         connect(&m_socket, &QWebSocket::textMessageReceived, this, &Exchange::PrintReply);
         connect(&m_socket, &QWebSocket::disconnected, this, [this] {
-            GiveUp(QStringLiteral("no connection to %1: %2").arg(m_options.url.toString(), m_socket.errorString()));
+            GiveUp(QStringLiteral("no connection to ") + m_options.url.toString() + QStringLiteral(": ")
+                   + m_socket.errorString());
         });
         connect(&m_timeout, &QTimer::timeout, this, [this] {
             GiveUp(QStringLiteral("no answer from %1 within %2 s")

@@ -1,6 +1,7 @@
 #include "tray/CheckSysTrayThread.h"
 
 #include "base/Logging.h"
+#include "base/QtCompat.h"
 #include "tray/StartOver.h"
 #include "tray/StatusNotifierHost.h"
 
@@ -28,7 +29,7 @@ CheckSysTrayThread::CheckSysTrayThread(QObject *parent) : QThread(parent)
 CheckSysTrayThread::~CheckSysTrayThread()
 {
     m_stop.release();
-    wait();
+    WaitForEnd(*this);
 }
 
 void CheckSysTrayThread::run()

@@ -2,11 +2,11 @@
 
 #include "base/Logging.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QList>
 #include <QProcess>
-#include <QRegExp>
-#include <QStringList>
 
 DetectSigngleInstance::DetectSigngleInstance(QObject *parent) : QObject(parent)
 {
@@ -34,11 +34,11 @@ bool DetectSigngleInstance::IsProcessRunning(const QString &processName)
     pgrep.start(QStringLiteral("pgrep"), {QStringLiteral("-f"), processName});
     pgrep.waitForFinished(30000);
     const QByteArray output = pgrep.readAllStandardOutput();
-    const QStringList parts = QString::fromUtf8(output.constData()).split(QRegExp(QStringLiteral("[\r\n]")));
+    const QList<QByteArray> parts = QByteArray(output.constData()).replace('\r', '\n').split('\n');
 
     MV_LOG(tag, "strOutputParts.size=%d", parts.size());
     for (int i = 0; g_bEnableLog && i < parts.size(); ++i)
-        MV_LOG(tag, "stdstrOutput[%d]=%s", i, parts.at(i).toUtf8().constData());
+        MV_LOG(tag, "stdstrOutput[%d]=%s", i, parts.at(i).constData());
 
     // One identifier and its line feed make two parts: this process alone. The empty last part counts on purpose.
     const bool bRet = parts.size() > 2;

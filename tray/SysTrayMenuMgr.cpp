@@ -1,6 +1,7 @@
 #include "tray/SysTrayMenuMgr.h"
 
 #include "base/Logging.h"
+#include "base/QtCompat.h"
 #include "service/AccessSettings.h"
 #include "service/WebSocketThread.h"
 #include "tray/CheckSysTrayThread.h"
@@ -169,7 +170,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     } else if (!bOpenService && m_pWebSocketThread) {
         MV_LOG(tag, "b4 call m_pWebSocketThread->quit()...");
         m_pWebSocketThread->quit();
-        m_pWebSocketThread->wait();
+        WaitForEnd(*m_pWebSocketThread);
         delete m_pWebSocketThread;
         m_pWebSocketThread = nullptr;
         Q_EMIT statusChanged(StoppedInTheMenu());

@@ -23,7 +23,8 @@ constexpr char kDelayVariable[] = "MVSIGNPAD_VIRTUAL_DELAY";
 
 void complainOf(const char *variable, const QByteArray &text, const QString &flaw)
 {
-    complain(QStringLiteral("%1=%2 is %3").arg(QLatin1String(variable), QString::fromLocal8Bit(text), flaw));
+    complain(QString::fromLatin1(variable) + QLatin1Char('=') + QString::fromLocal8Bit(text) + QStringLiteral(" is ")
+             + flaw);
 }
 
 /// From 0 to `largest`; none when the variable is not set, or, with a line that names the flaw, broken.

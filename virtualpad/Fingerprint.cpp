@@ -64,8 +64,8 @@ qreal contact(qreal x, qreal y)
 {
     const qreal dx = (x - 150.0) / 138.0;
     const qreal dy = (y - 200.0) / 188.0;
-    const qreal rim =
-        std::pow(std::abs(dx), 2.4) + std::pow(std::abs(dy), 2.4) + 0.22 * (smoothNoise(x / 22.0, y / 22.0) - 0.5);
+    const qreal rim = dx * dx * std::sqrt(std::abs(dx)) + dy * dy * std::sqrt(std::abs(dy))
+                      + 0.22 * (smoothNoise(x / 22.0, y / 22.0) - 0.5);
     return qBound(0.0, (1.0 - rim) / 0.22, 1.0);
 }
 

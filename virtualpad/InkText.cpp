@@ -18,7 +18,7 @@ constexpr int kMaxTimeMs = 24 * 60 * 60 * 1000;
 enum Field { Time, StrokeEnd, Pressure, X, Y, FieldCount };
 
 struct FieldRange {
-    QLatin1String name;
+    const char *szName;
     int smallest;
     int largest;
 };
@@ -27,15 +27,14 @@ constexpr int kMin16 = std::numeric_limits<qint16>::min();
 constexpr int kMax16 = std::numeric_limits<qint16>::max();
 
 const FieldRange kFields[FieldCount] = {
-    {QLatin1String("Time"), 0, kMaxTimeMs}, {QLatin1String("bStrokeEnd"), 0, 1},
-    {QLatin1String("pressure"), 0, kMax16}, {QLatin1String("x"), kMin16, kMax16},
-    {QLatin1String("y"), kMin16, kMax16},
+    {"Time", 0, kMaxTimeMs}, {"bStrokeEnd", 0, 1},  {"pressure", 0, kMax16},
+    {"x", kMin16, kMax16},   {"y", kMin16, kMax16},
 };
 
 /// The value of a field, if it is the decimal text of a number in the field's range and nothing besides.
 std::optional<int> fieldValue(const QJsonObject &object, const FieldRange &field)
 {
-    const QString text = object.value(field.name).toString();
+    const QString text = object.value(QLatin1String(field.szName)).toString();
     bool isNumber = false;
     const int value = text.toInt(&isNumber);
     if (!isNumber || QString::number(value) != text || value < field.smallest || value > field.largest)
@@ -55,7 +54,7 @@ std::optional<InkPoint> pointFromJson(const QJsonValue &json, QString *pError)
         const std::optional<int> value = fieldValue(object, kFields[i]);
         if (!value) {
             *pError = QStringLiteral("needs \"%1\" as the text of a whole number from %2 to %3")
-                          .arg(kFields[i].name)
+                          .arg(QString::fromLatin1(kFields[i].szName))
                           .arg(kFields[i].smallest)
                           .arg(kFields[i].largest);
             return std::nullopt;
@@ -75,7 +74,7 @@ QByteArray inkToText(const Ink &ink)
         const int values[FieldCount] = {point.timeMs, point.strokeEnd ? 1 : 0, point.pressure, point.x, point.y};
         QJsonObject object;
         for (int i = 0; i < FieldCount; ++i)
-            object.insert(kFields[i].name, QString::number(values[i]));
+            object.insert(QString::fromLatin1(kFields[i].szName), QString::number(values[i]));
         points.append(object);
     }
     return QJsonDocument(points).toJson(QJsonDocument::Compact);

@@ -1,5 +1,7 @@
 #include "virtualpad/PadKey.h"
 
+#include "virtualpad/QtCompat.h"
+
 #include <QPainter>
 
 namespace virtualpad {
@@ -33,9 +35,9 @@ void PadKey::paintEvent(QPaintEvent *)
 {
     QColor top = isChecked() ? m_color : kKeyTop;
     if (isDown())
-        top = top.darker(125);
+        top = shaded(top, 80);
     else if (underMouse())
-        top = top.lighter(112);
+        top = shaded(top, 112);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF body = QRectF(rect()).adjusted(1.5, 1.5, -1.5, -2.5);
@@ -44,7 +46,7 @@ void PadKey::paintEvent(QPaintEvent *)
     painter.setBrush(QColor(0, 0, 0, 90));
     painter.drawRoundedRect(body.translated(0, 1.5), kCorner, kCorner);
     painter.setBrush(top);
-    painter.setPen(hasFocus() ? QPen(m_color.lighter(140), 1.5) : QPen(top.lighter(118), 1.0));
+    painter.setPen(hasFocus() ? QPen(shaded(m_color, 140), 1.5) : QPen(shaded(top, 118), 1.0));
     painter.drawRoundedRect(body, kCorner, kCorner);
 
     const int textWidth = painter.boundingRect(rect(), Qt::AlignCenter, text()).width();
@@ -54,7 +56,7 @@ void PadKey::paintEvent(QPaintEvent *)
     painter.drawText(QRectF(left + kSignSize + kGap, 0, textWidth + 1, height() - 1), Qt::AlignVCenter, text());
     painter.translate(left, (height() - 1 - kSignSize) / 2.0);
     painter.scale(kSignSize, kSignSize);
-    painter.setPen(QPen(isChecked() ? kKeyText : m_color.lighter(130), 2.4 / kSignSize, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(isChecked() ? kKeyText : shaded(m_color, 130), 2.4 / kSignSize, Qt::SolidLine, Qt::RoundCap));
     painter.drawLines(m_sign);
 }
 

@@ -3,6 +3,7 @@
 #include "virtualpad/PadKey.h"
 #include "virtualpad/PadSurface.h"
 #include "virtualpad/PadTexts.h"
+#include "virtualpad/QtCompat.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -43,9 +44,9 @@ Status statusOf(const PadView &view)
 {
     switch (view.key) {
     case SIGNPAD_ENTER_BUTTON:
-        return {PadText::Confirmed, kConfirm.lighter(130)};
+        return {PadText::Confirmed, shaded(kConfirm, 130)};
     case SIGNPAD_CANCEL_BUTTON:
-        return {PadText::Cancelled, kCancel.lighter(120)};
+        return {PadText::Cancelled, shaded(kCancel, 120)};
     case SIGNPAD_NO_BUTTON:
         break;
     }
