@@ -104,7 +104,7 @@ Ink environmentInk()
     QString error;
     const std::optional<Ink> ink = inkFromFile(path, &error);
     if (!ink)
-        complain(QStringLiteral("the ink file %1 cannot be used: %2").arg(path, error));
+        complain(QStringLiteral("the ink file ") + path + QStringLiteral(" cannot be used: ") + error);
     return ink.value_or(Ink());
 }
 
