@@ -75,7 +75,7 @@ static_assert(offsetof(_STRUCT_INK_POINT_DATA, x) == 4 && offsetof(_STRUCT_INK_P
 // clang-format on
 
 /// Inside a ROW macro: expands to the trailing arguments when the model's column holds a tick, else to nothing.
-#define MV_SDK_IF_MODEL_HAS(Model, alder, birch, cedar, maple, rowan, ...) \
+#define MV_SDK_IF_MODEL_HAS(Model, alder, birch, cedar, maple, rowan, ...)                                             \
     MV_SDK_IF_TICKED(MV_SDK_COLUMN_##Model(alder, birch, cedar, maple, rowan), __VA_ARGS__)
 
 #define MV_SDK_COLUMN_Alder(alder, birch, cedar, maple, rowan) alder

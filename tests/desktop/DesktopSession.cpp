@@ -201,9 +201,9 @@ bool DesktopSession::startBus()
     if (!writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8()))
         return false;
     // It tells its address once it takes connections; its socket is there a moment earlier.
-    QProcess *bus = startHelper(QStringLiteral("dbus-daemon"),
-                                {QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
-                                 QStringLiteral("--config-file=") + configuration});
+    QProcess *bus =
+        startHelper(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
+                                                    QStringLiteral("--config-file=") + configuration});
     return bus && QTest::qWaitFor([bus] { return bus->canReadLine(); }, patienceMs)
            && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
 }

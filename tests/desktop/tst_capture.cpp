@@ -128,7 +128,8 @@ void CaptureTest::builtInSignatureIsWrittenInRealTime()
     const auto outerPoints = static_cast<int>(outer.elapsed() / 5);
     QVERIFY2(later - early >= qMin(innerPoints, 600 - early) - 1, qPrintable(QString::number(later - early)));
     QVERIFY2(later - early <= outerPoints + 1, qPrintable(QString::number(later - early)));
-    QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"), patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("1"),
+                              patienceMs);
 
     outer.start();
     QCOMPARE(ask(QStringLiteral("Clear")), QStringLiteral("0"));
