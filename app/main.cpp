@@ -1,6 +1,7 @@
 #include "base/Logging.h"
 #include "base/RuntimeSettings.h"
 #include "tray/DetectSigngleInstance.h"
+#include "tray/StartOver.h"
 #include "tray/StatusOnBus.h"
 #include "tray/SysTrayMenuMgr.h"
 
@@ -25,9 +26,10 @@ void StartLogIfAsked()
         g_bEnableLog = true;
 }
 
+const char tag[] = "main()";
+
 int RunFirstInstance()
 {
-    static const char tag[] = "main()";
     // Two lines, one after the other, on purpose: log readers look for either.
     MV_LOG(tag, "1st instance is running, keep going...");
     MV_LOG(tag, "First instance coming, keep going...");
@@ -51,12 +53,15 @@ int main(int argc, char *argv[])
     // The tray menu is the program's only window of its own: closing any other window must not end it.
     QApplication::setQuitOnLastWindowClosed(false);
     StayOutOfRestoredSessions(application);
-    MV_LOG("main()", "Enter, argc=%d", argc);
+    MV_LOG(tag, "Enter, argc=%d", argc);
 
     DetectSigngleInstance detector(nullptr);
-    if (!detector.IsSingleInstance()) {
-        MV_LOG("main()", "2nd instance is running, exit NOW !");
-        return 1;
-    }
-    return RunFirstInstance();
+    int nRet = 1;
+    // A copy that was let in once is not asked again: an editor that was opened since would turn it away.
+    if (HasStartedOver() || detector.IsSingleInstance())
+        nRet = RunFirstInstance();
+    else
+        MV_LOG(tag, "2nd instance is running, exit NOW !");
+    MV_LOG(tag, "Leave with nRet=%d", nRet);
+    return nRet;
 }

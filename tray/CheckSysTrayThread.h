@@ -3,8 +3,8 @@
 #include <QSemaphore>
 #include <QThread>
 
-/// Waits for the desktop's system tray, which at log-in may come later than the program: asks 60 times, 500 ms apart,
-/// and answers with one SysTrayAvailable, unless it is deleted before that.
+/// Waits for the desktop's system tray, which at log-in may come later than the program: looks 60 times, every 500 ms,
+/// and answers with one SysTrayAvailable, unless it is deleted before that. Needs the main thread's event loop.
 class CheckSysTrayThread : public QThread
 {
     Q_OBJECT
@@ -17,10 +17,16 @@ public:
 Q_SIGNALS:
     /// Emitted once, on the polling thread.
     void SysTrayAvailable(bool bResult);
+    /// Qt's tray tracker belongs to the thread that asks Qt first, which must be the main one.
+    void FirstLookWanted();
 
 protected:
     void run() override;
 
 private:
+    bool FindTray();
+
     QSemaphore m_stop;
+    QSemaphore m_firstLook;
+    bool m_bLooked = false; // polling thread only
 };

@@ -11,7 +11,13 @@
 
 namespace {
 
+/// Holds the process's identifier after it has started over: what a child inherits means nothing.
 const char startedOverVariable[] = "MVSIGNPAD_STARTED_OVER";
+
+QByteArray ProcessIdentifier()
+{
+    return QByteArray::number(getpid());
+}
 
 /// The process's own arguments as they were given, which QCoreApplication::arguments() no longer holds all of.
 QList<QByteArray> CommandLine()
@@ -29,7 +35,7 @@ QList<QByteArray> CommandLine()
 
 void StartOver()
 {
-    if (qEnvironmentVariableIsSet(startedOverVariable))
+    if (HasStartedOver())
         return;
     QList<QByteArray> arguments = CommandLine();
     if (arguments.isEmpty())
@@ -38,6 +44,11 @@ void StartOver()
     for (QByteArray &argument : arguments)
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);
-    qputenv(startedOverVariable, "1");
+    qputenv(startedOverVariable, ProcessIdentifier());
     execv(QFile::encodeName(QCoreApplication::applicationFilePath()).constData(), pointers.data());
+}
+
+bool HasStartedOver()
+{
+    return qgetenv(startedOverVariable) == ProcessIdentifier();
 }

@@ -5,7 +5,7 @@
 #include <QDBusReply>
 #include <QDBusVariant>
 
-bool IsStatusNotifierHostRegistered()
+StatusNotifierHost FindStatusNotifierHost()
 {
     QDBusMessage question = QDBusMessage::createMethodCall(
         QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("/StatusNotifierWatcher"),
@@ -14,5 +14,9 @@ bool IsStatusNotifierHostRegistered()
         {QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("IsStatusNotifierHostRegistered")});
     question.setAutoStartService(false);
     const QDBusReply<QDBusVariant> answer = QDBusConnection::sessionBus().call(question, QDBus::Block, 500);
-    return answer.isValid() && answer.value().variant().toBool();
+    if (answer.isValid())
+        return answer.value().variant().toBool() ? StatusNotifierHost::Registered : StatusNotifierHost::None;
+    const QDBusError::ErrorType error = answer.error().type();
+    const bool bSilent = error == QDBusError::NoReply || error == QDBusError::Timeout || error == QDBusError::TimedOut;
+    return bSilent ? StatusNotifierHost::Silent : StatusNotifierHost::None;
 }

@@ -19,8 +19,6 @@
 
 namespace {
 
-const char createTag[] = "SysTrayMenuMgr::CreateSystemTray()";
-
 /// Puts the desktop's entry for the launch at log-in into its place, or takes it away. What fails is not reported: the
 /// next start looks at the entry on disk.
 void SetAutostartEntry(int nOSProductID, bool bLaunch)
@@ -40,6 +38,14 @@ ServiceStatus StoppedInTheMenu()
     ServiceStatus status;
     status.strReason = QStringLiteral("switched off in the menu");
     return status;
+}
+
+void ShowIcon(const TrayTexts &texts, QSystemTrayIcon &icon, QMenu &menu)
+{
+    icon.setIcon(QIcon(QStringLiteral("./mvsignpadsdk_wssvr.ico")));
+    icon.setContextMenu(&menu);
+    icon.setToolTip(QString::fromUtf8(texts.szToolTip));
+    icon.show();
 }
 
 } // namespace
@@ -68,7 +74,6 @@ void SysTrayMenuMgr::Initialize()
 {
     static const char tag[] = "SysTrayMenuMgr::Initialize()";
     MV_LOG(tag, "Enter...");
-    QSystemTrayIcon::isSystemTrayAvailable(); // Qt makes its tray tracker on the thread that asks first
     m_pCheckSysTrayThread = new CheckSysTrayThread(this);
     connect(m_pCheckSysTrayThread, &CheckSysTrayThread::SysTrayAvailable, this,
             &SysTrayMenuMgr::StartCreateSystemTrayIcon);
@@ -94,35 +99,27 @@ void SysTrayMenuMgr::StartCreateSystemTrayIcon(bool bSysTrayAvailable)
 
 void SysTrayMenuMgr::CreateSystemTray()
 {
-    MV_LOG(createTag, "Enter...");
+    static const char tag[] = "SysTrayMenuMgr::CreateSystemTray()";
+    MV_LOG(tag, "Enter...");
     auto *const pSysTrayIcon = new QSystemTrayIcon; // icon and menu live until the process ends
     if (QSystemTrayIcon::isSystemTrayAvailable()) {
-        MV_LOG(createTag, "System Tray Available...");
-        ShowIcon(*pSysTrayIcon);
+        MV_LOG(tag, "System Tray Available...");
+        auto *const pSysTrayIconMenu = new QMenu;
+        // The SDK library and the icon are opened relative to the program's own directory.
+        QDir::setCurrent(QCoreApplication::applicationDirPath());
+        LoadDataFromINIFIle();
+        MV_LOG(tag, "after call LoadDataFromINIFIle()...");
+        const TrayTexts &texts = TrayTextsOf(INIDATA.nUILangID);
+        FillMenu(texts, *pSysTrayIconMenu);
+        RestoreSavedState();
+        ShowIcon(texts, *pSysTrayIcon, *pSysTrayIconMenu);
+        MV_LOG(tag, "after call pSysTrayIcon->show()...");
     } else {
         // Runs on without a tray, on purpose: it was there just now.
         // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the icon lives on
-        MV_LOG(createTag, "System Tray Is NOT Available !!!");
+        MV_LOG(tag, "System Tray Is NOT Available !!!");
     }
-    MV_LOG(createTag, "Leave !");
-}
-
-void SysTrayMenuMgr::ShowIcon(QSystemTrayIcon &icon)
-{
-    auto *const pSysTrayIconMenu = new QMenu;
-
-    // The SDK library and the icon are opened relative to the program's own directory.
-    QDir::setCurrent(QCoreApplication::applicationDirPath());
-    LoadDataFromINIFIle();
-    MV_LOG(createTag, "after call LoadDataFromINIFIle()...");
-    const TrayTexts &texts = TrayTextsOf(INIDATA.nUILangID);
-    CreateEntries(texts, *pSysTrayIconMenu);
-
-    icon.setIcon(QIcon(QStringLiteral("./mvsignpadsdk_wssvr.ico")));
-    icon.setContextMenu(pSysTrayIconMenu);
-    icon.setToolTip(QString::fromUtf8(texts.szToolTip));
-    icon.show();
-    MV_LOG(createTag, "after call pSysTrayIcon->show()...");
+    MV_LOG(tag, "Leave !");
 }
 
 QAction *SysTrayMenuMgr::AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)())
@@ -133,7 +130,7 @@ QAction *SysTrayMenuMgr::AddEntry(const char *szText, bool bCheckable, void (Sys
     return pAction;
 }
 
-void SysTrayMenuMgr::CreateEntries(const TrayTexts &texts, QMenu &menu)
+void SysTrayMenuMgr::FillMenu(const TrayTexts &texts, QMenu &menu)
 {
     m_pStartServiceAction = AddEntry(texts.szStartService, true, &SysTrayMenuMgr::StartWebSocketService);
     m_pStartSecureServiceAction =
@@ -141,6 +138,16 @@ void SysTrayMenuMgr::CreateEntries(const TrayTexts &texts, QMenu &menu)
     m_pAutoLaunchAction = AddEntry(texts.szAutoLaunch, true, &SysTrayMenuMgr::AutoLaunchService);
     QAction *const pExitAction = AddEntry(texts.szExit, false, &SysTrayMenuMgr::ExitWebSocketService);
 
+    // The secure entry works, but is not shown, on purpose: there is no secure service to start.
+    menu.addAction(m_pStartServiceAction);
+    menu.addSeparator();
+    menu.addAction(m_pAutoLaunchAction);
+    menu.addSeparator();
+    menu.addAction(pExitAction);
+}
+
+void SysTrayMenuMgr::RestoreSavedState()
+{
     Q_EMIT statusChanged(StoppedInTheMenu());
     if (INIDATA.bStartWebService) {
         INIDATA.bStartWebServiceWithSSL = false;
@@ -149,13 +156,6 @@ void SysTrayMenuMgr::CreateEntries(const TrayTexts &texts, QMenu &menu)
     }
     m_pStartSecureServiceAction->setChecked(INIDATA.bStartWebServiceWithSSL);
     m_pAutoLaunchAction->setChecked(INIDATA.bAutoLaunch);
-
-    // The secure entry works, but is not shown, on purpose: there is no secure service to start.
-    menu.addAction(m_pStartServiceAction);
-    menu.addSeparator();
-    menu.addAction(m_pAutoLaunchAction);
-    menu.addSeparator();
-    menu.addAction(pExitAction);
 }
 
 void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)

@@ -9,7 +9,6 @@
 class CheckSysTrayThread;
 class QAction;
 class QMenu;
-class QSystemTrayIcon;
 class WebSocketThread;
 struct TrayTexts;
 
@@ -54,8 +53,9 @@ public Q_SLOTS:
 
 private:
     QAction *AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)());
-    void ShowIcon(QSystemTrayIcon &icon);
-    void CreateEntries(const TrayTexts &texts, QMenu &menu);
+    void FillMenu(const TrayTexts &texts, QMenu &menu);
+    /// Checks the entries as the settings say, and starts the service if they do.
+    void RestoreSavedState();
 
     TraySettings INIDATA;
     QPointer<QAction> m_pStartServiceAction;

@@ -8,6 +8,9 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <algorithm>
+#include <csignal>
+
 namespace {
 
 /// How long a menu may take to come; without one the click was lost.
@@ -131,8 +134,19 @@ DesktopSession::~DesktopSession()
         endLastHelper();
 }
 
+void DesktopSession::suspendLastHelper()
+{
+    ::kill(static_cast<pid_t>(m_helpers.back()->processId()), SIGSTOP);
+}
+
+void DesktopSession::resumeLastHelper()
+{
+    ::kill(static_cast<pid_t>(m_helpers.back()->processId()), SIGCONT);
+}
+
 void DesktopSession::endLastHelper()
 {
+    resumeLastHelper();
     QProcess &helper = *m_helpers.back();
     helper.terminate();
     if (!helper.waitForFinished(3000))
@@ -238,6 +252,14 @@ bool DesktopSession::hasStatusNotifierHost() const
     const QDBusInterface watcher(QLatin1String(watcherService), QStringLiteral("/StatusNotifierWatcher"),
                                  QLatin1String(watcherService), bus);
     return watcher.property("IsStatusNotifierHostRegistered").toBool();
+}
+
+bool DesktopSession::isOnTheBus(qint64 process) const
+{
+    QDBusConnectionInterface *const bus = QDBusConnection(busAddress()).interface();
+    const QStringList names = bus->registeredServiceNames();
+    return std::any_of(names.begin(), names.end(),
+                       [&](const QString &name) { return bus->servicePid(name).value() == process; });
 }
 
 QByteArray DesktopSession::run(const QString &program, const QStringList &arguments) const

@@ -45,6 +45,8 @@ public:
     /// A StatusNotifier host in the same place; returns once it is registered on the bus.
     bool startStatusNotifierHost();
     bool hasStatusNotifierHost() const;
+    /// Whether the process has connected to the session bus.
+    bool isOnTheBus(qint64 process) const;
 
     QImage screenshot() const;
     /// Keeps a picture of the screen among the test's outputs.
@@ -65,6 +67,9 @@ public:
     QProcess *startHelper(const QString &program, const QStringList &arguments);
     /// Ends the helper that was started last.
     void endLastHelper();
+    /// Makes that helper stand still, holding all that it has but answering nobody, and lets it go on.
+    void suspendLastHelper();
+    void resumeLastHelper();
 
 private:
     bool startXServer();

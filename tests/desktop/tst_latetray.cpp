@@ -3,9 +3,11 @@
 #include "tests/desktop/StatusNotifierItem.h"
 #include "tests/desktop/TrayProgram.h"
 #include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/LogFiles.h"
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 namespace {
@@ -27,12 +29,14 @@ private Q_SLOTS:
     void cleanup();
     void trayAtTheStart_data();
     void trayAtTheStart();
-    void xembedTrayTenSecondsLate();
-    void statusNotifierHostTenSecondsLate();
+    void lateXembedTray();
+    void lateStatusNotifierHost();
+    void startingOverDoesNotAskTheGuardAgain();
+    void statusNotifierHostThatAnswersLate();
     void statusNotifierHostThatLeavesBeforeTheStart();
 
 private:
-    bool startWaiting(int seconds);
+    bool startWaiting();
     void exitThroughMenu();
 
     std::unique_ptr<DesktopSession> m_desktop;
@@ -56,13 +60,12 @@ void LateTrayTest::cleanup()
     m_desktop.reset();
 }
 
-/// Starts the program where there is no tray; true when it runs that long without doing anything.
-bool LateTrayTest::startWaiting(int seconds)
+/// Starts the program where there is no tray; true when it has begun to look for one.
+bool LateTrayTest::startWaiting()
 {
-    if (!m_program->start())
-        return false;
-    QTest::qWait(seconds * 1000);
-    return m_program->isRunning() && m_desktop->iconArea().isEmpty() && TrayProgram::waitForSilence(m_port);
+    return m_program->start()
+           && QTest::qWaitFor([this] { return m_desktop->isOnTheBus(m_program->process().processId()); }, patienceMs)
+           && m_program->isRunning() && m_desktop->iconArea().isEmpty() && TrayProgram::waitForSilence(m_port);
 }
 
 void LateTrayTest::exitThroughMenu()
@@ -90,9 +93,9 @@ void LateTrayTest::trayAtTheStart()
     exitThroughMenu();
 }
 
-void LateTrayTest::xembedTrayTenSecondsLate()
+void LateTrayTest::lateXembedTray()
 {
-    QVERIFY(startWaiting(10));
+    QVERIFY(startWaiting());
     QVERIFY(m_desktop->startTrayer());
     QElapsedTimer timer;
     timer.start();
@@ -101,9 +104,9 @@ void LateTrayTest::xembedTrayTenSecondsLate()
     exitThroughMenu();
 }
 
-void LateTrayTest::statusNotifierHostTenSecondsLate()
+void LateTrayTest::lateStatusNotifierHost()
 {
-    QVERIFY(startWaiting(10));
+    QVERIFY(startWaiting());
     const qint64 process = m_program->process().processId();
     QVERIFY(m_desktop->startStatusNotifierHost());
     QElapsedTimer timer;
@@ -118,13 +121,46 @@ void LateTrayTest::statusNotifierHostTenSecondsLate()
     exitThroughMenu();
 }
 
+void LateTrayTest::startingOverDoesNotAskTheGuardAgain()
+{
+    removeLogs();
+    m_program.reset(new TrayProgram(*m_desktop, QStringLiteral(MVSIGNPAD_DIAGNOSTIC_PROGRAM)));
+    QVERIFY(startWaiting());
+    // An editor that is opened on a file of the program's name while the program waits.
+    const QString notes = QFileInfo(QStringLiteral(MVSIGNPAD_DIAGNOSTIC_PROGRAM)).fileName() + QStringLiteral(".txt");
+    QProcess editor;
+    editor.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("read end"), notes});
+    QVERIFY(editor.waitForStarted());
+    QVERIFY(m_desktop->startStatusNotifierHost());
+    QVERIFY(m_desktop->waitForIcon());
+    exitThroughMenu();
+    const QString reason = logLine("CheckSysTrayThread::run()",
+                                   "b4 call StartOver(), for a StatusNotifier host that came after Qt had looked...");
+    QCOMPARE(maskedLines(threadLog()).count(reason), 1);
+    QCOMPARE(maskedLines(mainLog()).count(logLine("main()", "1st instance is running, keep going...")), 2);
+    QCOMPARE(maskedLines(mainLog()).count(logLine("DetectSigngleInstance::IsSingleInstance()", "Enter...")), 1);
+    removeLogs();
+    editor.closeWriteChannel();
+    QVERIFY(editor.waitForFinished());
+}
+
+void LateTrayTest::statusNotifierHostThatAnswersLate()
+{
+    QVERIFY(m_desktop->startStatusNotifierHost());
+    m_desktop->suspendLastHelper();
+    QVERIFY(startWaiting());
+    m_desktop->resumeLastHelper();
+    QVERIFY(m_desktop->waitForIcon());
+    exitThroughMenu();
+}
+
 void LateTrayTest::statusNotifierHostThatLeavesBeforeTheStart()
 {
     // A bus that knows of trays, but no tray: the XEmbed one that comes is served.
     QVERIFY(m_desktop->startStatusNotifierHost());
     m_desktop->endLastHelper();
     QTRY_VERIFY_WITH_TIMEOUT(!m_desktop->hasStatusNotifierHost(), patienceMs);
-    QVERIFY(startWaiting(1));
+    QVERIFY(startWaiting());
     QVERIFY(m_desktop->startTrayer());
     QVERIFY(m_desktop->waitForIcon());
     exitThroughMenu();
