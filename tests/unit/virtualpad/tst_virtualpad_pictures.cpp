@@ -265,6 +265,20 @@ private Q_SLOTS:
         QCOMPARE(qAlpha(image.pixel(50 + 7, 50 + 7)), 255);
     }
 
+    void aCornerIsCutFromMiddleToMiddle()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialiseWith(inkText({{50, 50, 500, 0, "0"}, {150, 50, 500, 0, "5"}, {150, 250, 500, 1, "10"}}),
+                                   400, 300));
+        pad.SetPenStyle(2, false);
+        pad.SetPenWidth(2, 6);
+        const QImage image = QImage::fromData(pad.encoded(3));
+        for (const QPoint inked : {QPoint(51, 50), QPoint(95, 50), QPoint(137, 75), QPoint(150, 160), QPoint(150, 249)})
+            QCOMPARE(qAlpha(image.pixel(inked)), 255);
+        for (const QPoint clear : {QPoint(45, 50), QPoint(95, 45), QPoint(95, 55), QPoint(150, 50), QPoint(150, 255)})
+            QCOMPARE(qAlpha(image.pixel(clear)), 0);
+    }
+
     void clipCropsToTheInk_data()
     {
         QTest::addColumn<int>("enable");

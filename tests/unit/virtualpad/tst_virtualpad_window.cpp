@@ -155,6 +155,58 @@ private Q_SLOTS:
         QCOMPARE(pad.GetDeviceConfirmOrCancelKeyStatus(7), -1);
     }
 
+    void theIconIsAPadWithAStroke()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialise(400, 300));
+        QWidget *const pWindow = padWindow();
+        QVERIFY(pWindow);
+        const QImage icon = pWindow->windowIcon().pixmap(64, 64).toImage();
+        QCOMPARE(icon.size(), QSize(64, 64));
+        QCOMPARE(qAlpha(icon.pixel(32, 2)), 0);
+        QCOMPARE(icon.pixel(5, 30), 0xff292d32u);
+        QCOMPARE(icon.pixel(10, 17), 0xffffffffu);
+        QVERIFY(darkPixels(icon.copy(10, 16, 44, 26)) > 100);
+        QCOMPARE(icon.pixel(32, 50), 0xff2f8f5bu);
+    }
+
+    void theLampAndTheKeysShowTheState()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialise(400, 300));
+        QWidget *const pWindow = padWindow();
+        QVERIFY(pWindow);
+        const auto ready = [](QRgb pixel) { return (pixel & 0xffffff) == 0x6cb8f0; };
+        const auto dark = [](QRgb pixel) { return (pixel & 0xffffff) == 0x5c636a; };
+        const auto green = [](QRgb pixel) { return qGreen(pixel) > 160 && qRed(pixel) < 100 && qBlue(pixel) < 160; };
+        const auto red = [](QRgb pixel) { return qRed(pixel) > 200 && qGreen(pixel) < 130; };
+        const auto shows = [pWindow](const auto &isWanted) {
+            const QImage header = pWindow->grab(QRect(0, 0, pWindow->width(), 40)).toImage();
+            int count = 0;
+            for (int y = 0; y < header.height(); ++y)
+                for (int x = 0; x < header.width(); ++x)
+                    count += isWanted(header.pixel(x, y)) ? 1 : 0;
+            return count > 9;
+        };
+        const auto redness = [pWindow](const char *key) {
+            QAbstractButton *const pKey = keyOf(pWindow, QLatin1String(key));
+            const QRgb pixel = pKey->grab().toImage().pixel(pKey->width() / 2, 8);
+            return qRed(pixel) - qGreen(pixel);
+        };
+        QVERIFY(shows(ready) && !shows(dark) && !shows(green) && !shows(red));
+        pad.OpenLCD(2, 0);
+        settle();
+        QVERIFY(!shows(ready) && shows(dark));
+        pad.OpenLCD(2, 1);
+        settle();
+        QTest::mouseClick(keyOf(pWindow, QStringLiteral("Cancel")), Qt::LeftButton);
+        QVERIFY(!shows(ready) && shows(red) && !shows(green));
+        QVERIFY(redness("Cancel") > 80 && std::abs(redness("Confirm")) < 20);
+        QTest::mouseClick(keyOf(pWindow, QStringLiteral("Confirm")), Qt::LeftButton);
+        QVERIFY(!shows(ready) && !shows(red) && shows(green));
+        QVERIFY(redness("Confirm") < -60 && std::abs(redness("Cancel")) < 20);
+    }
+
     void speaksChinese_data()
     {
         QTest::addColumn<QString>("locale");
