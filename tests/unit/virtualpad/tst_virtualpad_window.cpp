@@ -170,6 +170,23 @@ private Q_SLOTS:
         QCOMPARE(icon.pixel(32, 50), 0xff2f8f5bu);
     }
 
+    void theWritingLineKeepsOffBothEdges()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialise(400, 300));
+        QWidget *const pWindow = padWindow();
+        QVERIFY(pWindow);
+        const QImage line = surfaceOf(pWindow)->grab(QRect(1, 222, 398, 1)).toImage();
+        QList<int> inked;
+        for (int x = 0; x < line.width(); ++x) {
+            if ((line.pixel(x, 0) & 0xffffff) != 0xf4f6f1)
+                inked.append(x + 1);
+        }
+        QVERIFY(inked.size() > 100);
+        QVERIFY2(std::abs(inked.first() - 32) <= 1, qPrintable(QString::number(inked.first())));
+        QVERIFY2(inked.last() >= 360 && inked.last() <= 369, qPrintable(QString::number(inked.last())));
+    }
+
     void theLampAndTheKeysShowTheState()
     {
         LoadedPad pad;
