@@ -35,7 +35,7 @@ std::unique_ptr<SignObjInterface> CreatePadObject(int nID)
 
 } // namespace
 
-SignObjManager::SignObjManager()
+SignObjManager::SignObjManager(std::optional<QStringList> saveFolders) : m_saveFolders(std::move(saveFolders))
 {
     MV_LOG_MANAGER("SignObjManager", "Enter...");
     MV_LOG_MANAGER("SignObjManager", "Leave !");
@@ -63,6 +63,8 @@ bool SignObjManager::InitialDevice(int nID, int nWidth, int nHeight)
         DeletePadObject("InitialDevice"); // before the next one loads the library
     }
     m_pCurrentActiveSignObj = CreatePadObject(nID);
+    if (m_pCurrentActiveSignObj)
+        m_pCurrentActiveSignObj->RestrictSaving(m_saveFolders);
     m_bStatusChanged = true;
     m_bOpen = Forward({"InitialDevice"}, &SignObjInterface::InitialDevice, nID, nWidth, nHeight);
     return m_bOpen;

@@ -6,8 +6,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -17,7 +19,8 @@
 class SignObjManager
 {
 public:
-    SignObjManager();
+    /// Every pad object may save below these folders only; absent: anywhere.
+    explicit SignObjManager(std::optional<QStringList> saveFolders = std::nullopt);
     /// Closes and deletes a live pad object.
     ~SignObjManager();
     SignObjManager(const SignObjManager &) = delete;
@@ -89,6 +92,7 @@ private:
     std::unique_ptr<SignObjInterface> m_pCurrentActiveSignObj;
     bool m_bOpen = false; // as the pad object answered
     bool m_bStatusChanged = false;
+    std::optional<QStringList> m_saveFolders;
 };
 
 #define MV_LOG_MANAGER(operation, ...) MV_LOG_INSIDE_THREAD(LogTag(operation).constData(), __VA_ARGS__)

@@ -2,6 +2,7 @@
 
 #include "device/InkJson.h"
 #include "device/PadInk.h"
+#include "device/SaveTarget.h"
 #include "device/WpsPicture.h"
 #include "sdk/SdkNumbers.h"
 
@@ -23,6 +24,9 @@ private:
     QString DecodedPoints();
     QString ComposeWpsPicture(bool bEnableDateTime, const QString &strName);
 
+    /// Stays where it is, whatever folders are open for saving: the WPS plug-in looks for it there.
+    static constexpr char szWpsDrawing[] = "/tmp/MVeSignWPS.png";
+
     QString m_strDecodeFilePath;
 };
 
@@ -36,8 +40,10 @@ QString SignObjModel<Sdk>::Decode(int nType, QString strPath, QString strData)
     if (this->IsBound(decode)) {
         // Always below /tmp, on purpose, even when the path is absolute already.
         m_strDecodeFilePath = QStringLiteral("/tmp/") + strPath;
+        SaveTarget target(m_strDecodeFilePath, this->m_saveFolders);
         this->CallAndLogResult("Decode", decode, nType, strData.toUtf8().constData(),
-                               TextForLibrary(m_strDecodeFilePath).constData());
+                               TextForLibrary(target.PathForLibrary()).constData());
+        target.Finish(); // the result does not tell whether there is a file
         if (nType == sdk::InkData)
             strResult = DecodedPoints();
     }
@@ -80,8 +86,11 @@ QString SignObjModel<Sdk>::SaveDrawImage(int nType, int nDPI, QString strPath)
     if (this->IsBound(save)) {
         if (!strPath.contains(QLatin1Char('/')))
             strPath.prepend(QLatin1String("/tmp/"));
-        const int nResult = save.pfn(Sdk::nDeviceID, nType, TextForLibrary(strPath).constData(), nDPI);
+        SaveTarget target(strPath, strPath == QLatin1String(szWpsDrawing) ? std::nullopt : this->m_saveFolders);
+        int nResult = save.pfn(Sdk::nDeviceID, nType, TextForLibrary(target.PathForLibrary()).constData(), nDPI);
         MV_LOG_PAD("SaveDrawImage", "after call m_pfn_%s(), nResult=%d", save.szName, nResult);
+        if (nResult == sdk::Success && !target.Finish())
+            nResult = sdk::CannotWrite;
         strResult = nResult != sdk::Success ? QString::number(nResult) : strPath;
     }
     MV_LOG_PAD("SaveDrawImage", "Leave with strResult.length=%d", strResult.size());
@@ -107,7 +116,7 @@ QString SignObjModel<Sdk>::WPSSignConfirmed(bool bEnableDateTime, QString strNam
 template <class Sdk>
 QString SignObjModel<Sdk>::ComposeWpsPicture(bool bEnableDateTime, const QString &strName)
 {
-    const QImage drawing(QStringLiteral("/tmp/MVeSignWPS.png"));
+    const QImage drawing(QLatin1String{szWpsDrawing});
     const QString strCurrentDateTime = QDateTime::currentDateTime().toString(QStringLiteral("yyyy/MM/dd hh:mm:ss"));
     MV_LOG_PAD("WPSSignConfirmed", "strCurrentDateTime=%s", strCurrentDateTime.toUtf8().constData());
     MV_LOG_PAD("WPSSignConfirmed", "nSignImageWidth=%d, nSignImageHeight=%d", drawing.width(), drawing.height());

@@ -12,6 +12,7 @@ struct AccessPolicy {
     std::optional<QHostAddress> listenAddress; ///< absent: every interface
     std::optional<QStringList> allowedOrigins; ///< absent: all
     bool bRequireOrigin = false;               ///< whether a client without an origin is turned away
+    std::optional<QStringList> saveFolders;    ///< absolute; where clients may have files written; absent: anywhere
 
     /// Whether any client can be turned away for its origin.
     bool LooksAtOrigins() const { return bRequireOrigin || allowedOrigins; }

@@ -29,19 +29,28 @@ bool TakeListenAddress(const QVariant &value, AccessPolicy &policy)
     return true;
 }
 
+/// Takes a list over, each entry of which is as the pattern says; an empty text is an empty list.
+bool TakeList(const QVariant &value, const QString &strPattern, std::optional<QStringList> &list)
+{
+    const QRegularExpression pattern(QStringLiteral("\\A(?:%1)\\z").arg(strPattern));
+    const bool bList = !value.isValid() || value.type() == QVariant::String || value.type() == QVariant::StringList;
+    QStringList entries = value.toStringList();
+    if (entries == QStringList(QString()))
+        entries.clear();
+    list = entries;
+    return bList && std::all_of(entries.begin(), entries.end(), [&pattern](const QString &strEntry) {
+               return pattern.match(strEntry).hasMatch();
+           });
+}
+
 bool TakeAllowedOrigins(const QVariant &value, AccessPolicy &policy)
 {
-    static const QRegularExpression origin(QStringLiteral("\\A(null|file://|[a-z][a-z0-9+.-]*://[^/?#@\\s]+)\\z"));
-    const bool bList = !value.isValid() || value.type() == QVariant::String || value.type() == QVariant::StringList;
-    QStringList origins = value.toStringList();
-    if (origins == QStringList(QString()))
-        origins.clear();
-    for (const QString &strOrigin : qAsConst(origins)) {
-        if (!origin.match(strOrigin).hasMatch())
-            return false;
-    }
-    policy.allowedOrigins = origins;
-    return bList;
+    return TakeList(value, QStringLiteral("null|file://|[a-z][a-z0-9+.-]*://[^/?#@\\s]+"), policy.allowedOrigins);
+}
+
+bool TakeSaveFolders(const QVariant &value, AccessPolicy &policy)
+{
+    return TakeList(value, QStringLiteral("/.*"), policy.saveFolders);
 }
 
 bool TakeRequireOrigin(const QVariant &value, AccessPolicy &policy)
@@ -55,6 +64,7 @@ const AccessKey accessKeys[] = {
     {"ListenAddress", "one IP address in full", TakeListenAddress},
     {"AllowedOrigins", "a list of origins such as https://sign.example.org", TakeAllowedOrigins},
     {"RequireOrigin", "true or false", TakeRequireOrigin},
+    {"SaveFolders", "a list of folders such as /tmp", TakeSaveFolders},
 };
 
 /// Why the service stays closed; nothing when all is understood.

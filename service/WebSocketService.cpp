@@ -90,7 +90,7 @@ WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy a
                               .arg(QStringLiteral("/MVSignSDK/"));
         m_pConnections = new ClientConnections(m_pWebSocketServer);
         SetupMVSignPadSDKAPINameList();
-        m_pSignObjMgr = std::make_unique<SignObjManager>();
+        m_pSignObjMgr = std::make_unique<SignObjManager>(m_accessPolicy.saveFolders);
         MV_LOG_INSIDE_THREAD(tag, "m_pSignObjMgr=%lx", reinterpret_cast<unsigned long>(m_pSignObjMgr.get()));
     }
     MV_LOG_INSIDE_THREAD(tag, "Leave !");

@@ -82,6 +82,10 @@ void AccessSettingsTest::valuesAreTakenOver()
              QStringList{QStringLiteral("https://a.example")});
     QVERIFY(policyOf("[Access]\nAllowedOrigins=\n").allowedOrigins->isEmpty());
     QVERIFY(!policyOf("[Access]\nRequireOrigin=false\n").bRequireOrigin);
+    QVERIFY(!policyOf("[Access]\nRequireOrigin=false\n").saveFolders);
+    QCOMPARE(*policyOf("[Access]\nSaveFolders=/tmp, /home/u/a b\n").saveFolders,
+             (QStringList{QStringLiteral("/tmp"), QStringLiteral("/home/u/a b")}));
+    QVERIFY(policyOf("[Access]\nSaveFolders=\n").saveFolders->isEmpty());
 }
 
 void AccessSettingsTest::machineWideFileCounts()
@@ -106,6 +110,8 @@ void AccessSettingsTest::wrongValueClosesTheDoor_data()
                               "https://sign.example.org, *", "https://sign.example.org,", "https://a@b", "https://",
                               "https://a\\nb", "@Size(1 2)", "@ByteArray(https://a)"})
         QTest::addRow("origin %s", wrong) << QByteArray("AllowedOrigins=") + wrong;
+    for (const char *wrong : {"tmp", "~/signatures", "/tmp, ../x", "/tmp,", "/a\\nb", "@ByteArray(/tmp)"})
+        QTest::addRow("folders %s", wrong) << QByteArray("SaveFolders=") + wrong;
     for (const char *wrong : {"", "yes", "TRUE", "1", "true, false", "@Invalid()", "@ByteArray(true)"})
         QTest::addRow("flag %s", wrong) << QByteArray("RequireOrigin=") + wrong;
     for (const char *wrong : {"AllowedOrigin=https://a.example", "listenaddress=127.0.0.1", "x\\ListenAddress=::1",

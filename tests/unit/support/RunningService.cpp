@@ -6,9 +6,12 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include <utility>
+
 RunningService::RunningService() : RunningService(freePort()) {}
 
-RunningService::RunningService(quint16 port) : m_port(port)
+RunningService::RunningService(quint16 port, AccessPolicy accessPolicy)
+    : m_port(port), m_accessPolicy(std::move(accessPolicy))
 {
     start();
 }
@@ -30,7 +33,7 @@ bool RunningService::waitUntilListening(const QHostAddress &address) const
 
 void RunningService::start()
 {
-    m_thread.reset(new WebSocketThread(nullptr, m_port));
+    m_thread.reset(new WebSocketThread(nullptr, m_port, m_accessPolicy));
     m_thread->start();
 }
 

@@ -10,7 +10,7 @@ class RunningService
 {
 public:
     RunningService();
-    explicit RunningService(quint16 port);
+    explicit RunningService(quint16 port, AccessPolicy accessPolicy = {});
     ~RunningService();
 
     quint16 port() const { return m_port; }
@@ -24,5 +24,6 @@ public:
 
 private:
     quint16 m_port;
+    AccessPolicy m_accessPolicy;
     std::unique_ptr<WebSocketThread> m_thread;
 };
