@@ -42,6 +42,11 @@ MAKERS_LIBRARY = "/opt/mvsignpad/libmvsignpadsdk.so"
 
 NAMES = {"name": "MVSign Pad Driver", "name[zh_cn]": "Morvane电子签名板驱动程序",
          "name[zh_tw]": "Morvane電子簽名板驅動程式"}
+KEYWORDS = {
+    "keywords": "signature;handwriting;pad;tablet;WPS;",
+    "keywords[zh_cn]": "签名;电子签名;签名板;手写签名;WPS;",
+    "keywords[zh_tw]": "簽名;電子簽名;簽名板;手寫簽名;WPS;",
+}
 COMMENTS = {"comment": "Lets web pages and WPS Office capture handwritten signatures from a signature pad",
             "comment[zh_cn]": "让网页和WPS办公软件通过电子签名板采集手写签名",
             "comment[zh_tw]": "讓網頁和WPS辦公軟體透過電子簽名板擷取手寫簽名"}
@@ -154,6 +159,7 @@ class PackagesTest(unittest.TestCase):
             values = dict(entry["Desktop Entry"])
             self.assertEqual({key: values[key] for key in NAMES}, NAMES)
             self.assertEqual({key: values[key] for key in COMMENTS}, COMMENTS)
+            self.assertEqual({key: values[key] for key in KEYWORDS}, KEYWORDS)
             self.assertEqual(values["nodisplay"], no_display)
             self.assertEqual(values["exec"], "/opt/mvsignpad/mvsignpadsdk_wssvr")
             self.assertEqual(values["tryexec"], "/opt/mvsignpad/mvsignpadsdk_wssvr")
