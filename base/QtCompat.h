@@ -19,6 +19,16 @@ inline int TextWidth(const QFontMetrics &metrics, const QString &text)
     QT_WARNING_POP
 }
 
+/// The descriptor that a listening QWebSocketServer accepts from.
+template <class WebSocketServer>
+int ListeningDescriptor(const WebSocketServer &server)
+{
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    return server.socketDescriptor();
+    QT_WARNING_POP
+}
+
 /// Waits without a limit until a thread has ended.
 inline void WaitForEnd(QThread &thread)
 {

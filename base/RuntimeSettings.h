@@ -1,5 +1,5 @@
 #pragma once
 
-/// Settings of Qt and of the C library that hold for the whole process. To be called first in main, while there is no
-/// other thread.
+/// Settings of Qt, of the C library and of the system that hold for the whole process. To be called first in main,
+/// while there is no other thread.
 void ApplyRuntimeSettings();

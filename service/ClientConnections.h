@@ -1,41 +1,41 @@
 #pragma once
 
+#include "service/ClientSocket.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QObject>
-#include <QTimer>
 
-class QTcpSocket;
+class ClientAcceptor;
+class HeapTrimmer;
 class QWebSocket;
 class QWebSocketServer;
 
-/// The TCP connections below the clients' WebSockets. A text is encoded once and then written to each of them as it
-/// stands; QWebSocket::sendTextMessage would encode and copy it anew for each client. What clients send, pings, closing
-/// and all the rest stays with QWebSocket. Lives on the service thread.
+/// Sends to the clients by the connections below their WebSockets. A text is encoded once and then written to each of
+/// them as it stands; QWebSocket::sendTextMessage would encode and copy it anew for each client. What clients send,
+/// pings, closing and all the rest stays with QWebSocket. Lives on the service thread.
 class ClientConnections : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The server is the parent too.
-    explicit ClientConnections(QWebSocketServer *pServer);
+    /// Accepts connections for the server, which listens already and is the parent too.
+    explicit ClientConnections(QWebSocketServer *pServer, const ClientPatience &patience = {});
 
-    /// To be called when the server hands the client out, and when the client is gone.
-    void Add(const QWebSocket *pClient);
+    /// To be called when the server hands the client out; false when its connection has ended already.
+    bool Add(const QWebSocket *pClient);
+    /// To be called when the client is gone.
     void Remove(const QWebSocket *pClient);
 
-    /// False when the client has left so much unread that nothing more is to be sent to it: its connection ends then.
-    bool KeepsUp(const QWebSocket *pClient);
-    /// Sends a text in UTF-8 as one message. Does nothing when the client is not connected any more or does not keep
-    /// up.
-    void SendText(QWebSocket *pClient, const QByteArray &text);
+    /// Each sends a whole message in one frame; texts are in UTF-8. Does nothing when the client is not connected any
+    /// more. A reply may let the client's further requests wait; a push cuts a client off for which too many wait.
+    void SendReply(const QWebSocket *pClient, MessageKind kind, const QByteArray &message);
+    void SendPush(const QWebSocket *pClient, const QByteArray &text);
 
 private:
-    Q_INVOKABLE void CutOffWhoDoesNotRead();
-    QTcpSocket *ConnectionBelow(const QWebSocket *pClient) const;
-    void TrimSoon();
+    ClientSocket *OpenConnection(const QWebSocket *pClient) const;
 
-    QWebSocketServer *m_pServer;
-    QHash<const QWebSocket *, QTcpSocket *> m_connections; // owned by the clients
-    QTimer *m_pTrimTimer;                                  // child
+    ClientAcceptor *m_pAcceptor;                             // child of the server
+    HeapTrimmer *m_pHeapTrimmer;                             // child
+    QHash<const QWebSocket *, ClientSocket *> m_connections; // owned by the clients
 };

@@ -40,9 +40,6 @@ constexpr quint64 nLongestMessage = 1000000000;
 /// How long the changes of the status are gathered.
 constexpr int nStatusDelayMs = 100;
 
-/// How long nobody is let in when the process has run out of descriptors.
-constexpr int nAcceptPauseMs = 1000;
-
 /// Empty when the text is too long to work with, null for null.
 QByteArray CopyOf(const char *szText)
 {
@@ -78,12 +75,6 @@ WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy a
     if (Listen()) {
         connect(m_pWebSocketServer, &QWebSocketServer::newConnection, this, &WebSocketService::onNewConnection);
         connect(m_pWebSocketServer, &QWebSocketServer::closed, this, &WebSocketService::closed);
-        auto *const pAcceptPause = new QTimer(this);
-        pAcceptPause->setSingleShot(true);
-        pAcceptPause->setInterval(nAcceptPauseMs);
-        connect(m_pWebSocketServer, &QWebSocketServer::acceptError, pAcceptPause,
-                [pAcceptPause] { pAcceptPause->start(); }); // Qt accepts nobody any more then
-        connect(pAcceptPause, &QTimer::timeout, m_pWebSocketServer, &QWebSocketServer::resumeAccepting);
         m_strServiceUrl = QStringLiteral("%1%2%3")
                               .arg(QStringLiteral("ws://localhost:"))
                               .arg(port)
@@ -186,13 +177,15 @@ void WebSocketService::onNewConnection()
 {
     static const char tag[] = "WebSocketService::onNewConnection()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    if (QWebSocket *pClient = m_pWebSocketServer->nextPendingConnection()) {
+    QWebSocket *const pClient = m_pWebSocketServer->nextPendingConnection();
+    if (pClient && !m_pConnections->Add(pClient)) {
+        delete pClient; // it was gone before its handshake could be answered
+    } else if (pClient) {
         pClient->setParent(this); // so that it changes threads with the service
         connect(pClient, &QWebSocket::textMessageReceived, this, &WebSocketService::processTextMessage);
         connect(pClient, &QWebSocket::binaryMessageReceived, this, &WebSocketService::processBinaryMessage);
         connect(pClient, &QWebSocket::disconnected, this, &WebSocketService::socketDisconnected);
         LimitIncomingMessages(*pClient, nLongestMessage);
-        m_pConnections->Add(pClient);
         m_clients.append(pClient);
         TellStatusSoon();
     }
@@ -217,7 +210,7 @@ void WebSocketService::processTextMessage(QString message)
     static const char tag[] = "WebSocketService::processTextMessage()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, message.length=%d", message.size());
     if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender()))
-        m_pConnections->SendText(pClient, ProcessMVSignSDKWebSocketAPICommand(message));
+        m_pConnections->SendReply(pClient, MessageKind::Text, ProcessMVSignSDKWebSocketAPICommand(message));
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
@@ -225,9 +218,8 @@ void WebSocketService::processBinaryMessage(QByteArray message)
 {
     static const char tag[] = "WebSocketService::processBinaryMessage()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, message=%s", message.constData());
-    QWebSocket *const pClient = qobject_cast<QWebSocket *>(sender());
-    if (pClient && m_pConnections->KeepsUp(pClient))
-        pClient->sendBinaryMessage(message);
+    if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender()))
+        m_pConnections->SendReply(pClient, MessageKind::Binary, message);
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
 
@@ -303,7 +295,7 @@ void WebSocketService::SendToAllClients(const QByteArray &responseMsg, const cha
         QWebSocket *const pClient = clients.at(i);
         if (loggedEvent)
             MV_LOG_INSIDE_THREAD(tag, "%s", loggedEvent);
-        m_pConnections->SendText(pClient, responseMsg);
+        m_pConnections->SendPush(pClient, responseMsg);
         MV_LOG_INSIDE_THREAD(tag, "after call pClient->sendTextMessage(strResponseMsg), i = %d", i);
     }
 }

@@ -1,6 +1,6 @@
 // The settings with which an administrator narrows who reaches the service, on the real program.
 #include "tests/faults/support/FaultyWorkplace.h"
-#include "tests/faults/support/RawClient.h"
+#include "tests/unit/support/RawClient.h"
 
 #include <QFile>
 #include <QFileInfo>

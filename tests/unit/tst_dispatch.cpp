@@ -1,5 +1,6 @@
 // From the request of a client to the call that reaches the maker's library and back: every command, its exact number
 // of parameters and the conversion of each.
+#include "service/WebSocketService.h"
 #include "tests/sdk/support/SdkTestCase.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/RunningService.h"
@@ -8,6 +9,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QTcpSocket>
 #include <QTest>
 #include <QThread>
 
@@ -52,6 +54,7 @@ private Q_SLOTS:
     void padIsCalledOnTheServiceThread();
     void padIsReleasedWhenTheServiceStops();
     void padIsReleasedAfterTheClients();
+    void pushOfTheServicesThreadFollowsTheReply();
     void restartForgetsThePad();
 
 private:
@@ -562,14 +565,37 @@ void DispatchTest::padIsReleasedWhenTheServiceStops()
 void DispatchTest::padIsReleasedAfterTheClients()
 {
     QVERIFY(startPad(2));
-    // While the pad is being released the connection is closed already: the sockets go first.
+    // While the pad is being released the connection is closed already, and the server is not: the sockets go first.
     recording::Answer released = number(0);
     bool closedBefore = false;
-    released.effect = [&closedBefore, this] { closedBefore = m_client->waitForDisconnect(2000); };
+    bool listensStill = false;
+    released.effect = [&, this] {
+        closedBefore = m_client->waitForDisconnect(2000);
+        QTcpSocket later;
+        later.connectToHost(QHostAddress(QHostAddress::LocalHost), m_service->port());
+        listensStill = later.waitForConnected(patienceMs);
+    };
     expect("MVAlder_UnInitialDevice(2)", released);
     m_release = nullptr;
     m_service->stop();
     QVERIFY(closedBefore);
+    QVERIFY(listensStill);
+}
+
+/// A push that comes while the service runs a request, from that very call, follows the reply.
+void DispatchTest::pushOfTheServicesThreadFollowsTheReply()
+{
+    startPad(2);
+    recording::Answer cleared;
+    cleared.effect = [] { WebSocketServiceSignPadEventCallback(1); };
+    ask(QStringLiteral("EnableRealtimeSigningNotification"));
+    m_client->forget();
+    expect("MVAlder_Clear(2)", cleared);
+    m_client->sendCommand(QStringLiteral("Clear"));
+    QVERIFY(m_client->waitForMessages(2));
+    QCOMPARE(m_client->messages(),
+             (QStringList{QStringLiteral(R"({"API":"Clear","Result":"0"})"),
+                          QStringLiteral(R"({"API":"GetDeviceConfirmOrCancelKeyStatus","Result":"1"})")}));
 }
 
 void DispatchTest::restartForgetsThePad()

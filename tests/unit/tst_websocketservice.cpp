@@ -1,4 +1,5 @@
 // The server: who may connect, who gets which reply, and that it starts and stops cleanly whatever its clients do.
+#include "service/ClientAcceptor.h"
 #include "service/WebSocketService.h"
 #include "service/WebSocketThread.h"
 #include "tests/unit/support/FreePort.h"
@@ -10,6 +11,7 @@
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
+#include <QSocketNotifier>
 #include <QTcpSocket>
 #include <QTest>
 #include <QWebSocketServer>
@@ -23,11 +25,13 @@ namespace {
 const char invalid[] = R"({"API":"Invalid API request","Result":"-1"})";
 const char size[] = R"({"API":"GetSize","Result":"0"})";
 
+const char handshake[] = "GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+                         "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n";
+
 /// Sends the opening handshake by hand.
 bool isLetIn(QTcpSocket &socket)
 {
-    socket.write("GET / HTTP/1.1\r\nHost: localhost\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-                 "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+    socket.write(handshake);
     return QTest::qWaitFor([&socket] { return socket.bytesAvailable() > 0; }, patienceMs)
            && socket.readAll().startsWith("HTTP/1.1 101 ");
 }
@@ -65,6 +69,7 @@ private Q_SLOTS:
     void replyToAClientThatIsGone();
     void manyConnectionsOneAfterTheOther();
     void letsInAgainWhenTheFirstFoundNoDescriptor();
+    void clientThatIsGoneBeforeItsAnswerLeavesNothing();
     void portInUse();
     void portInUseStopsCleanly();
     void startsAgainOnTheSamePort();
@@ -439,12 +444,33 @@ void WebSocketServiceTest::letsInAgainWhenTheFirstFoundNoDescriptor()
     ::getrlimit(RLIMIT_NOFILE, &usual);
     const rlimit none{static_cast<rlim_t>(lowestFree), usual.rlim_max};
     ::setrlimit(RLIMIT_NOFILE, &none);
-    QTest::qWait(200); // the service tries, and finds none
+    const auto *const notifier = service.findChild<ClientAcceptor *>()->findChild<QSocketNotifier *>();
+    const bool paused = QTest::qWaitFor([notifier] { return !notifier->isEnabled(); }, patienceMs);
     ::setrlimit(RLIMIT_NOFILE, &usual);
 
+    QVERIFY(paused); // it has tried, and found none
     QTcpSocket socket;
     QVERIFY(socket.setSocketDescriptor(client));
     QVERIFY(isLetIn(socket));
+}
+
+void WebSocketServiceTest::clientThatIsGoneBeforeItsAnswerLeavesNothing()
+{
+    const quint16 port = freePort();
+    const WebSocketService service(port);
+    for (int i = 0; i < 20; ++i) {
+        QTcpSocket client;
+        client.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+        QVERIFY(client.waitForConnected(patienceMs));
+        client.write(handshake);
+        client.flush();
+        client.abort(); // before the service, on this thread, has seen it
+    }
+    QTcpSocket later;
+    later.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    QVERIFY(isLetIn(later));
+    QTRY_COMPARE_WITH_TIMEOUT(service.findChildren<QWebSocket *>().size(), 1, patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(service.findChildren<ClientSocket *>().size(), 1, patienceMs);
 }
 
 void WebSocketServiceTest::portInUse()
@@ -464,8 +490,7 @@ void WebSocketServiceTest::portInUseStopsCleanly()
     QVERIFY(holder.listen(QHostAddress::Any, 0));
     {
         RunningService service(holder.serverPort());
-        QTest::qWait(200);
-        QVERIFY(service.isRunning());
+        QVERIFY(service.waitUntilItsEventsAreHandled());
         service.stop();
     }
     // The port is still the holder's, and its own connections work.
@@ -550,7 +575,8 @@ void WebSocketServiceTest::stopWithAHalfOpenConnection()
     QVERIFY(halfOpen.waitForConnected());
     halfOpen.write("GET / HTTP/1.1\r\nUpgr");
     halfOpen.flush();
-    QTest::qWait(50);
+    SignClient later; // whom the service lets in behind the other
+    QVERIFY(later.connectTo(service.port()));
     service.stop();
     QTRY_COMPARE_WITH_TIMEOUT(halfOpen.state(), QAbstractSocket::UnconnectedState, patienceMs);
 }

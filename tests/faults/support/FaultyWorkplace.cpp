@@ -69,6 +69,24 @@ long FaultyWorkplace::openDescriptors() const
     return descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
+int FaultyWorkplace::openConnections() const
+{
+    const QByteArray localPort = ':' + QByteArray::number(m_port, 16).toUpper().rightJustified(4, '0');
+    int count = 0;
+    for (const char *table : {"/proc/%1/net/tcp", "/proc/%1/net/tcp6"}) {
+        QFile file(QString::fromLatin1(table).arg(m_program->process().processId()));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        for (const QByteArray &line : lines) {
+            const QList<QByteArray> fields = line.simplified().split(' ');
+            const bool isOpen = fields.value(3) == "01" || fields.value(3) == "08"; // established, or half closed
+            count += static_cast<int>(isOpen && fields.value(1).endsWith(localPort));
+        }
+    }
+    return count;
+}
+
 long FaultyWorkplace::residentKiB() const
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -34,6 +34,8 @@ public:
     bool replaceLibrary(const QString &library) const;
     bool serves(const QString &command = QStringLiteral("GetSize"));
     long openDescriptors() const;
+    /// Connections of clients that the program holds.
+    int openConnections() const;
     /// -1 under a sanitizer, which keeps the memory that is given back.
     long residentKiB() const;
 

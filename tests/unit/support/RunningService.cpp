@@ -6,6 +6,7 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include <atomic>
 #include <utility>
 
 RunningService::RunningService() : RunningService(freePort()) {}
@@ -29,6 +30,21 @@ bool RunningService::waitUntilListening(const QHostAddress &address) const
         return probe.waitForConnected(100);
     };
     return QTest::qWaitFor(takesConnections, patienceMs);
+}
+
+bool RunningService::waitUntilItsEventsAreHandled() const
+{
+    std::atomic<bool> isHandled{false};
+    QObject guest;
+    guest.moveToThread(m_thread.get());
+    QMetaObject::invokeMethod(
+        &guest,
+        [&, home = QThread::currentThread()] {
+            guest.moveToThread(home);
+            isHandled = true;
+        },
+        Qt::QueuedConnection);
+    return QTest::qWaitFor([&isHandled] { return isHandled.load(); }, patienceMs);
 }
 
 void RunningService::start()

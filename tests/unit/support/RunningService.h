@@ -16,6 +16,8 @@ public:
     quint16 port() const { return m_port; }
     /// Waits until the port takes connections.
     bool waitUntilListening(const QHostAddress &address = QHostAddress::LocalHost) const;
+    /// Waits until the thread's event loop runs, also when the service could not listen.
+    bool waitUntilItsEventsAreHandled() const;
     void start();
     /// quit(), unbounded wait(), delete.
     void stop();
