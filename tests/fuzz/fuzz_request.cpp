@@ -65,7 +65,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         QWebSocket client; // never connected: the replies to it go nowhere
         // By name: the slot is the service's own affair, and it asks who has sent.
         if (!QObject::connect(&client, SIGNAL(textMessageReceived(QString)), &service,
-                              SLOT(processTextMessage(QString))))
+                              SLOT(processTextMessage(QString)))
+            || !QObject::connect(&client, SIGNAL(binaryMessageReceived(QByteArray)), &service,
+                                 SLOT(processBinaryMessage(QByteArray))))
             std::abort();
         const QList<QByteArray> lines = requests.split('\n');
         for (const QByteArray &line : lines) {
