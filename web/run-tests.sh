@@ -1,19 +1,28 @@
 #!/bin/sh
 # The tests of the client and the demo page.
 #
-# usage: run-tests.sh install   fetch what the tests need, as package-lock.json has it
-#        run-tests.sh client    the client, its declarations and the page's texts
+# usage: run-tests.sh install   fetch what the tests need, as the two package-lock.json have it
+#        run-tests.sh client    the client, its declarations, what is built of it, and the page's texts
 #        run-tests.sh service   the client against the program in $MVSIGNPAD_BIN_DIR (default: ../build/bin)
 #        run-tests.sh page      the demo page in Chromium against that program; leaves screenshots in
 #                               $MVSIGNPAD_TEST_OUTPUT if that is set
+#        run-tests.sh browser [NAME]
+#                               the page against that program in one of chromium-72, chromium-78, chromium-88,
+#                               chromium-92, chromium and firefox, or in all of them; leaves screenshots likewise
 set -eu
 cd "$(dirname "$0")"
 
-install() {
+install_in() (
+    cd "$1"
     # npm ci empties node_modules first: only when it does not match the lock file.
     cmp -s package-lock.json node_modules/.installed && return
     npm ci --no-audit --no-fund
     cp package-lock.json node_modules/.installed
+)
+
+install() {
+    install_in .
+    install_in tests
 }
 
 built=../build/bin
@@ -28,12 +37,19 @@ install)
     ;;
 client)
     install
+    npx --no-install tsc -p .
+    node build.js --check
     npx --no-install tsc -p tests/types
     exec node --test tests/commands.test.js tests/connection.test.js tests/texts.test.js
     ;;
 service | page)
     install
     exec node --test "tests/page/$1.test.js"
+    ;;
+browser)
+    install
+    [ $# -lt 2 ] || export MVSIGNPAD_BROWSER="$2"
+    exec node --test tests/browsers/browsers.test.js
     ;;
 *)
     sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2

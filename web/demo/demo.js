@@ -2,22 +2,24 @@
 (() => {
   'use strict';
 
-  const { SignPad, SignPadError, Model, KeyStatus } = globalThis.MVSignPad;
+  const { SignPad, SignPadError, Model, KeyStatus } = window.MVSignPad;
   const { t, onLanguage, translatePage, switchLanguage, toggleTheme, stored, store, extras, log, result, strokesOf,
-    InkView, STRONGEST_PRESSURE } = globalThis.Demo;
+    createInkView, replaceChildren, STRONGEST_PRESSURE } = window.Demo;
   const find = (id) => document.getElementById(id);
 
+  const options = (group) => find(group).querySelector('.options');
+
   const PAD_SIZE = { width: 800, height: 480 };
-  const CONNECT_TIMEOUT_MS = 5_000;
-  const RETRY_MS = 3_000;
+  const CONNECT_TIMEOUT_MS = 5000;
+  const RETRY_MS = 3000;
   const TURN_NOTICE_MS = 150;
   const TRANSPARENT_PNG = 3;
   const COLORS = { Black: '#101418', Blue: '#1846b8', Red: '#b3202a', Green: '#14713f' };
 
-  const view = new InkView(find('ink'));
+  const view = createInkView(find('ink'), PAD_SIZE);
   let pad = null;
   let wish = null; // aborted when the wish to be connected ends
-  let session = null; // while signing; `decided` is aborted with 'confirm', 'cancel' or 'leave'
+  let session = null; // while signing; `decided` is aborted once `decision` is 'confirm', 'cancel' or 'leave'
   let shownInk = [];
   let stopwatch = null; // {first, last} in milliseconds: when the first and the latest ink came
 
@@ -26,19 +28,21 @@
   /** Keeps what was said by its key, so that a switch of the language says it again. */
   const said = { status: null, notice: null, service: ['stateConnecting', 'connecting'] };
 
-  const wishesThisPort = () => wish?.port === find('port').valueAsNumber;
+  const isConnected = () => pad !== null && pad.connected;
+
+  const wishesThisPort = () => wish !== null && wish.port === find('port').valueAsNumber;
 
   function renderWords() {
     const { status, notice, service: [stateKey, lamp] } = said;
     find('status').textContent = status ? t(...status) : '';
     find('service-state').textContent = t(stateKey);
     find('lamp').dataset.state = lamp;
-    find('connect').textContent = t(!wishesThisPort() ? 'connect' : pad?.connected ? 'disconnect' : 'stopTrying');
+    find('connect').textContent = t(!wishesThisPort() ? 'connect' : isConnected() ? 'disconnect' : 'stopTrying');
     find('notice').hidden = !notice;
     if (!notice) return;
-    find('notice').dataset.tone = notice.tone ?? 'calm';
+    find('notice').dataset.tone = notice.tone || 'calm';
     find('notice-title').textContent = t(`${notice.name}Title`, notice.values);
-    find('notice-text').textContent = notice.words ?? t(`${notice.name}Text`, notice.values);
+    find('notice-text').textContent = notice.words || t(`${notice.name}Text`, notice.values);
     find('notice-action').hidden = !notice.action;
     if (notice.action) find('notice-action').textContent = t(notice.action);
   }
@@ -74,16 +78,18 @@
   }
 
   function buildChoices() {
-    const model = stored('model') ?? 'Alder';
-    find('models').append(...Object.keys(Model).map((name) => radio('model', name, null, name === model)));
-    find('colors').append(...Object.entries(COLORS).map(([name, color], index) => {
+    const model = stored('model') || 'Alder';
+    options('models').append(...Object.keys(Model).map((name) => radio('model', name, null, name === model)));
+    options('colors').append(...Object.entries(COLORS).map(([name, color], index) => {
       const label = radio('color', color, `color${name}`, index === 0);
       label.style.setProperty('--swatch', color);
       return label;
     }));
   }
 
-  const chosenModel = () => document.querySelector('input[name=model]:checked')?.value ?? 'Alder';
+  const chosenModel = () => (document.querySelector('input[name=model]:checked') || { value: 'Alder' }).value;
+
+  const isPadOpen = () => session !== null && session.isOpen;
 
   const chosenPen = () => ({
     width: find('pen-width').valueAsNumber,
@@ -99,8 +105,8 @@
   async function applyPen() {
     const pen = chosenPen();
     find('pen-width-value').textContent = pen.width;
-    if (session || shownInk.length === 0) view.pen = pen; // a finished signature keeps the pen that wrote it
-    if (!session?.isOpen) return;
+    if (session || shownInk.length === 0) view.setPen(pen); // a finished signature keeps the pen that wrote it
+    if (!isPadOpen()) return;
     await pad.setPenWidth(pen.width);
     await pad.setPenColor(rgb(pen.color));
     await pad.setPenStyle(pen.pressure);
@@ -111,6 +117,7 @@
   const FAILURES = {
     'service-not-running': { name: 'absent', service: ['stateAbsent', 'bad'] },
     'permission-denied': { name: 'refused', service: ['stateRefused', 'bad'] },
+    'mixed-content': { name: 'mixed', service: ['stateRefused', 'bad'] },
     timeout: { name: 'silent', service: ['stateAbsent', 'bad'] },
   };
 
@@ -136,7 +143,7 @@
         return adopt(await SignPad.connect({ port, signal, timeout: CONNECT_TIMEOUT_MS }));
       } catch (error) {
         if (signal.aborted) return;
-        const { name, service } = FAILURES[error.code] ?? FAILURES['service-not-running'];
+        const { name, service } = FAILURES[error.code] || FAILURES['service-not-running'];
         say({ service, notice: { name, values, tone: 'bad', action: 'tryAgain', act: connect } });
       }
       await sleep(RETRY_MS, signal);
@@ -148,7 +155,7 @@
     pad = connected;
     pad.addEventListener('message', ({ detail }) => log.add(detail));
     pad.addEventListener('disconnect', () => {
-      session?.decided.abort('leave');
+      decide('leave');
       forgetPad({ pad: null });
       say({ service: ['stateLost', 'bad'], status: null });
     });
@@ -175,10 +182,10 @@
   }
 
   function disconnect() {
-    session?.decided.abort('leave');
-    wish?.abort();
+    decide('leave');
+    if (wish) wish.abort();
     wish = null;
-    pad?.close();
+    if (pad) pad.close();
     pad = null;
     forgetPad({ pad: null });
     say({ service: ['stateClosed', 'off'], notice: { name: 'closed', action: 'connect', act: connect }, status: null });
@@ -188,7 +195,7 @@
 
   /** Tabs of one origin take turns at the one pad, where the browser has locks for it. */
   async function inTurn(signal, work) {
-    const canTakeTurns = await navigator.locks?.query().then(() => true, () => false);
+    const canTakeTurns = navigator.locks && await navigator.locks.query().then(() => true, () => false);
     if (!canTakeTurns) return work();
     const timer = setTimeout(() => say({
       notice: { name: 'waiting', action: 'stopWaiting', act: () => decide('cancel') },
@@ -201,8 +208,8 @@
   }
 
   async function sign() {
-    if (session || !pad?.connected) return;
-    session = { decided: new AbortController(), isOpen: false, isClearing: false };
+    if (session || !isConnected()) return;
+    session = { decided: new AbortController(), decision: null, isOpen: false, isClearing: false };
     renderButtons();
     try {
       await inTurn(session.decided.signal, follow);
@@ -220,14 +227,17 @@
   async function follow() {
     await openPad();
     const { signal } = session.decided;
-    const decision = await followPen(signal) ?? signal.reason;
+    const decision = await followPen(signal) || session.decision;
     decide(decision);
     if (decision === 'confirm') await collect();
     if (decision === 'cancel') await discard();
   }
 
   function decide(decision) {
-    session?.decided.abort(decision);
+    if (session && !session.decision) {
+      session.decision = decision;
+      session.decided.abort();
+    }
     renderButtons();
   }
 
@@ -303,11 +313,15 @@
   }
 
   function explain(error) {
-    if (session?.decided.signal.reason === 'leave') return;
-    if (error === 'cancel') return say({ status: ['statusCancelled'], notice: idleNotice() });
+    const decision = session && session.decision;
+    if (decision === 'leave') return;
+    if (decision === 'cancel' && error.name === 'AbortError') return say({ status: ['statusCancelled'], notice: idleNotice() });
     if (!(error instanceof SignPadError)) throw error;
     if (error.code === 'connection-lost') return status(null); // the connection speaks for itself
-    const name = error.code === 'pad-missing' ? (session?.isOpen ? 'padGone' : 'padMissing') : 'failed';
+    const name = {
+      'pad-missing': isPadOpen() ? 'padGone' : 'padMissing',
+      'invalid-request': 'outdated',
+    }[error.code] || 'failed';
     forgetPad();
     decide('leave'); // what fails beside the signing ends it, too
     say({
@@ -324,7 +338,7 @@
     if (points.length === 0) stopwatch = null;
     else if (points.length !== shownInk.length) {
       const now = performance.now();
-      stopwatch = { first: stopwatch?.first ?? now, last: now };
+      stopwatch = { first: stopwatch ? stopwatch.first : now, last: now };
     }
     if (points.length > 0) find('paper-hint').hidden = true;
     shownInk = points;
@@ -334,7 +348,7 @@
 
   function renderGauges() {
     const strokes = strokesOf(shownInk);
-    const last = shownInk.at(-1);
+    const last = shownInk[shownInk.length - 1];
     find('gauge-points').textContent = shownInk.length;
     find('gauge-strokes').textContent = strokes;
     find('gauge-pressure').value = session && last && !last.strokeEnd ? last.pressure / STRONGEST_PRESSURE : 0;
@@ -348,7 +362,7 @@
     const isEmpty = shownInk.length === 0;
     const isDecided = !session || session.decided.signal.aborted;
     find('start').hidden = session !== null || said.notice !== null;
-    find('live').hidden = !session?.isOpen;
+    find('live').hidden = !isPadOpen();
     find('models').disabled = session !== null;
     find('clear').disabled = find('confirm').disabled = isDecided || !session.isOpen || session.isClearing || isEmpty;
     find('cancel').disabled = isDecided;
@@ -367,20 +381,18 @@
       return element;
     };
     const value = (textContent) => Object.assign(document.createElement('dd'), { textContent });
-    const rows = facts.flatMap(([key, words]) => [term(key), value(words || '–')]);
-    find('facts').replaceChildren(...rows.length > 0 ? rows : [term('noPadYet')]);
+    const rows = facts.map(([key, words]) => [term(key), value(words || '–')]);
+    replaceChildren(find('facts'), rows.length > 0 ? [].concat(...rows) : [term('noPadYet')]);
   }
 
   // ---- Start -------------------------------------------------------------------------------------------------------
 
-  globalThis.Demo.radio = radio;
+  window.Demo.radio = radio;
   buildChoices();
   extras.start();
-  const port = Number(new URLSearchParams(location.search).get('port') ?? stored('port'));
+  const port = Number(new URLSearchParams(location.search).get('port') || stored('port'));
   if (port > 0) find('port').value = port;
   if (!find('port').validity.valid) find('port').value = find('port').defaultValue;
-  find('ink').style.aspectRatio = `${PAD_SIZE.width} / ${PAD_SIZE.height}`;
-  view.size = PAD_SIZE;
   onLanguage(renderWords);
   onLanguage(renderGauges);
 
@@ -388,7 +400,7 @@
   find('theme').addEventListener('click', toggleTheme);
   find('service').addEventListener('submit', (event) => {
     event.preventDefault();
-    if (!wishesThisPort() || !pad?.connected) connect();
+    if (!wishesThisPort() || !isConnected()) connect();
   });
   find('connect').addEventListener('click', () => {
     if (wishesThisPort()) disconnect();
@@ -403,7 +415,7 @@
   });
   find('confirm').addEventListener('click', () => decide('confirm'));
   find('notice-action').addEventListener('click', () => {
-    said.notice?.act();
+    if (said.notice) said.notice.act();
     rescueFocus('paper');
   });
   find('models').addEventListener('change', () => {

@@ -2,8 +2,8 @@
 (() => {
   'use strict';
 
-  const { SignPadError } = globalThis.MVSignPad;
-  const { t, onLanguage } = globalThis.Demo;
+  const { SignPadError } = window.MVSignPad;
+  const { t, onLanguage } = window.Demo;
   const find = (id) => document.getElementById(id);
 
   const WPS_APPLICATIONS = ['WPS', 'ET', 'WPP'];
@@ -94,8 +94,8 @@
   }
 
   function buildApplications() {
-    const { radio } = globalThis.Demo;
-    find('wps-apps').append(...WPS_APPLICATIONS.map((app, i) => radio('wps-app', app, `app${app}`, i === 0)));
+    const { radio } = window.Demo;
+    find('wps-apps').querySelector('.options').append(...WPS_APPLICATIONS.map((app, i) => radio('wps-app', app, `app${app}`, i === 0)));
     find('wps-apps').addEventListener('change', () => attempt(wpsStatus, loadSettings));
   }
 
@@ -147,5 +147,5 @@
     render();
   }
 
-  globalThis.Demo.extras = { start, update };
+  window.Demo.extras = { start, update };
 })();

@@ -10,82 +10,70 @@
 
   const middle = (a, b) => ({ x: (a.x + b.x) / 2, y: (a.y + b.y) / 2 });
 
-  class InkView {
-    #canvas;
-    #context;
-    #size = { width: 800, height: 480 };
-    #pen = { width: 3, color: '#000', pressure: true };
-    #points = [];
-    #drawn = 0;
+  const isSamePoint = (a, b) => a.x === b.x && a.y === b.y && a.time === b.time;
 
-    constructor(canvas) {
-      this.#canvas = canvas;
-      this.#context = canvas.getContext('2d');
-      new ResizeObserver(() => this.#redraw()).observe(canvas);
-    }
+  /** `size` of the pad in its own pixels: the canvas shows all of it. */
+  function createInkView(canvas, size) {
+    const context = canvas.getContext('2d');
+    let pen = { width: 3, color: '#000', pressure: true };
+    let points = [];
+    let drawn = 0;
 
-    /** The pad's size in its own pixels: the canvas shows all of it. */
-    set size(size) {
-      this.#size = size;
-      this.#canvas.style.aspectRatio = `${size.width} / ${size.height}`;
-      this.#redraw();
-    }
-
-    set pen(pen) {
-      this.#pen = pen;
-      this.#redraw();
-    }
-
-    show(points) {
-      const last = this.#points[this.#drawn - 1];
-      const same = points[this.#drawn - 1];
-      const continues = this.#drawn === 0 ||
-        (same && same.x === last.x && same.y === last.y && same.time === last.time);
-      // Once the pen is lifted, the line that ended half-way to the last point is drawn to its end.
-      if (continues && same?.strokeEnd !== last?.strokeEnd) this.#drawn -= 1;
-      this.#points = points;
-      if (continues) this.#drawRest();
-      else this.#redraw();
-    }
-
-    #redraw() {
-      const { clientWidth, clientHeight } = this.#canvas;
-      const fineness = Math.max(devicePixelRatio, FINEST_NEEDED);
-      this.#canvas.width = Math.round(clientWidth * fineness);
-      this.#canvas.height = Math.round(clientHeight * fineness);
-      this.#drawn = 0;
-      this.#drawRest();
-    }
-
-    #drawRest() {
-      const scale = this.#canvas.width / this.#size.width;
-      this.#context.setTransform(scale, 0, 0, scale, 0, 0);
-      this.#context.strokeStyle = this.#context.fillStyle = this.#pen.color;
-      this.#context.lineCap = 'round';
-      while (this.#drawn < this.#points.length) this.#drawPoint(this.#drawn++);
+    function lineWidth(pressure) {
+      return Math.max(pen.width * (pen.pressure ? swelling(pressure) : 1), 0.6);
     }
 
     /** The line runs through the middles between the points and bends at the points; the middles join smoothly. */
-    #drawPoint(index) {
-      const point = this.#points[index];
-      const isStart = index === 0 || this.#points[index - 1].strokeEnd;
-      const before = isStart ? point : this.#points[index - 1];
-      const isSecond = index === 1 || this.#points[index - 2]?.strokeEnd;
-      const from = isStart || isSecond ? before : middle(this.#points[index - 2], before);
+    function drawPoint(index) {
+      const point = points[index];
+      const isStart = index === 0 || points[index - 1].strokeEnd;
+      const before = isStart ? point : points[index - 1];
+      const isSecond = index === 1 || isStart || points[index - 2].strokeEnd;
+      const from = isSecond ? before : middle(points[index - 2], before);
       const to = point.strokeEnd ? point : middle(before, point);
-      this.#context.beginPath();
-      this.#context.lineWidth = this.#lineWidth((before.pressure + point.pressure) / 2);
-      this.#context.moveTo(from.x, from.y);
-      this.#context.quadraticCurveTo(before.x, before.y, to.x, to.y);
-      if (point.strokeEnd) this.#context.lineTo(point.x, point.y);
-      this.#context.stroke();
+      context.beginPath();
+      context.lineWidth = lineWidth((before.pressure + point.pressure) / 2);
+      context.moveTo(from.x, from.y);
+      context.quadraticCurveTo(before.x, before.y, to.x, to.y);
+      if (point.strokeEnd) context.lineTo(point.x, point.y);
+      context.stroke();
     }
 
-    #lineWidth(pressure) {
-      const { width, pressure: follows } = this.#pen;
-      return Math.max(width * (follows ? swelling(pressure) : 1), 0.6);
+    function drawRest() {
+      const scale = canvas.width / size.width;
+      context.setTransform(scale, 0, 0, scale, 0, 0);
+      context.strokeStyle = context.fillStyle = pen.color;
+      context.lineCap = 'round';
+      while (drawn < points.length) drawPoint(drawn++);
     }
+
+    function redraw() {
+      canvas.width = Math.round(canvas.clientWidth * Math.max(window.devicePixelRatio, FINEST_NEEDED));
+      canvas.height = Math.round(canvas.width * size.height / size.width); // the element takes its shape from these
+      drawn = 0;
+      drawRest();
+    }
+
+    function show(next) {
+      const last = points[drawn - 1];
+      const same = next[drawn - 1];
+      const continues = drawn === 0 || (same !== undefined && isSamePoint(same, last));
+      // Once the pen is lifted, the line that ended half-way to the last point is drawn to its end.
+      if (drawn > 0 && continues && same.strokeEnd !== last.strokeEnd) drawn -= 1;
+      points = next;
+      if (continues) drawRest();
+      else redraw();
+    }
+
+    function setPen(next) {
+      pen = next;
+      redraw();
+    }
+
+    window.Demo.onResize(canvas, redraw);
+    redraw();
+    return { show, setPen };
   }
 
-  Object.assign(globalThis.Demo, { InkView, STRONGEST_PRESSURE });
+  Object.assign(window.Demo, { createInkView, STRONGEST_PRESSURE });
 })();

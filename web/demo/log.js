@@ -2,7 +2,7 @@
 (() => {
   'use strict';
 
-  const { t, onLanguage } = globalThis.Demo;
+  const { t, onLanguage, replaceChildren } = window.Demo;
   const MOST_OF_A_KIND = 500; // polls and others apart, so that polling does not push the rest out
   const LONGEST_TEXT = 300;
   const POLLS = new Set(['GetSize', 'GetPointer', 'GetDeviceConfirmOrCancelKeyStatus', 'IsValid']);
@@ -12,7 +12,7 @@
   let entries = [];
 
   const apiOf = ({ direction, text }) =>
-    (direction === 'sent' ? /\/MVSignSDK\/(\w+)/ : /"API":"(\w+)"/).exec(text)?.[1];
+    ((direction === 'sent' ? /\/MVSignSDK\/(\w+)/ : /"API":"(\w+)"/).exec(text) || [])[1];
 
   const clock = (date) =>
     `${date.toTimeString().slice(0, 8)}.${String(date.getMilliseconds()).padStart(3, '0')}`;
@@ -46,7 +46,7 @@
     const [oldest, ...others] = entries.filter(({ isPoll }) => isPoll === kind);
     if (others.length < MOST_OF_A_KIND) return;
     entries.splice(entries.indexOf(oldest), 1);
-    oldest.line?.remove();
+    if (oldest.line) oldest.line.remove();
   }
 
   function add(detail) {
@@ -61,7 +61,7 @@
   }
 
   function rebuild() {
-    list.replaceChildren(...entries.filter(isShown).map(lineOf));
+    replaceChildren(list, entries.filter(isShown).map(lineOf));
     list.scrollTop = list.scrollHeight;
     updateCount();
   }
@@ -69,7 +69,7 @@
   function save() {
     const lines = entries.map(({ time, direction, text }) =>
       `${time.toISOString()} ${direction === 'sent' ? '->' : '<-'} ${text}\n`);
-    globalThis.Demo.saveFile(new Blob(lines, { type: 'text/plain' }), 'signature-log.txt');
+    window.Demo.saveFile(new Blob(lines, { type: 'text/plain' }), 'signature-log.txt');
   }
 
   showPolls.addEventListener('change', rebuild);
@@ -80,5 +80,5 @@
     rebuild();
   });
 
-  globalThis.Demo.log = { add };
+  window.Demo.log = { add };
 })();

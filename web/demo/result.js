@@ -2,7 +2,7 @@
 (() => {
   'use strict';
 
-  const { t, onLanguage } = globalThis.Demo;
+  const { t, onLanguage, replaceChildren } = window.Demo;
   const find = (id) => document.getElementById(id);
 
   const FORMATS = [
@@ -27,8 +27,10 @@
     const link = document.createElement('a');
     link.href = URL.createObjectURL(blob);
     link.download = name;
+    document.body.append(link); // some browsers follow no link from outside the page
     link.click();
-    setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
+    link.remove();
+    setTimeout(() => URL.revokeObjectURL(link.href), 10000);
   }
 
   function tab(format) {
@@ -71,7 +73,7 @@
   function renderPoints() {
     const { points } = result;
     const rows = points.slice(0, MOST_ROWS).map(row);
-    find('points-rows').replaceChildren(...rows);
+    replaceChildren(find('points-rows'), rows);
     const blob = new Blob([JSON.stringify(points, null, 1)], { type: 'application/json' });
     const facts = t('pointsFacts', { points: points.length, strokes: strokesOf(points), size: kilobytes(blob) });
     find('format-facts').textContent =
@@ -79,23 +81,23 @@
     return blob;
   }
 
-  async function renderPicture(data) {
+  function renderPicture(data) {
     const picture = find('picture');
-    picture.src = data.dataURL;
     picture.alt = t('pictureAlt', { format: t(chosen.name) });
     const shown = chosen;
-    await picture.decode();
-    if (shown === chosen) {
+    picture.onload = () => {
+      if (chosen !== shown) return;
       const { naturalWidth: width, naturalHeight: height } = picture;
       find('format-facts').textContent = t('pictureFacts', { width, height, size: kilobytes(data.blob) });
-    }
+    };
+    picture.src = data.dataURL;
   }
 
   function render() {
     find('result').hidden = !result;
     if (!result) return;
     if (!available().includes(chosen)) [chosen] = available();
-    find('formats').replaceChildren(...available().map(tab));
+    replaceChildren(find('formats'), available().map(tab));
     find('format-panel').setAttribute('aria-labelledby', `tab-${chosen.name}`);
     const data = chosen.of(result);
     const isPoints = Array.isArray(data);
@@ -103,7 +105,7 @@
     find('points-box').hidden = !isPoints;
     find('format-facts').textContent = '';
     const blob = isPoints ? renderPoints() : data.blob;
-    if (!isPoints) renderPicture(data).catch(() => { find('format-facts').textContent = ''; });
+    if (!isPoints) renderPicture(data);
     URL.revokeObjectURL(downloadUrl);
     downloadUrl = find('download').href = URL.createObjectURL(blob);
     find('download').download = chosen.file;
@@ -119,5 +121,5 @@
     render();
   }
 
-  Object.assign(globalThis.Demo, { result: { show }, strokesOf, saveFile });
+  Object.assign(window.Demo, { result: { show }, strokesOf, saveFile });
 })();

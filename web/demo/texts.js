@@ -106,6 +106,9 @@
       refusedTitle: 'The browser does not let this page through',
       refusedText: 'The page needs the permission to reach programs on this computer (local network access). ' +
         'Allow it in the site settings next to the address bar.',
+      mixedTitle: 'This browser lets no page from https:// through',
+      mixedText: 'It takes the connection to {url} for an insecure one. Use a newer browser, or open this page from a ' +
+        'file or from http://localhost.',
       silentTitle: 'The service does not answer',
       silentText: 'Something listens at {url} but stays silent. The service may be busy with the pad, or another ' +
         'program uses this port.',
@@ -121,6 +124,8 @@
       waitingTitle: 'Another tab is signing',
       waitingText: 'There is one pad for all tabs. It is your turn when the other tab is done.',
       stopWaiting: 'Do not wait',
+      outdatedTitle: 'The signature service is too old',
+      outdatedText: 'It does not know a command that this page needs. Install the current version of the service.',
       failedTitle: 'That did not work',
       failed: 'That did not work: {reason}',
       statusOpening: 'Opening the pad…',
@@ -234,6 +239,8 @@
       absentText: '{url} 无应答。请在系统托盘的签名板图标菜单中选择“开启服务程序”。服务启动后，本页面会自动连接。',
       refusedTitle: '浏览器阻止了本页面',
       refusedText: '本页面需要访问本机程序的权限（本地网络访问）。请在地址栏旁的网站设置中允许。',
+      mixedTitle: '浏览器不允许 https:// 页面连接',
+      mixedText: '浏览器将 {url} 视为不安全的连接。请使用较新的浏览器，或从文件或 http://localhost 打开本页面。',
       silentTitle: '服务没有应答',
       silentText: '{url} 有程序在监听但没有应答。服务可能正忙于操作签名板，或者端口被其他程序占用。',
       lostTitle: '连接已中断',
@@ -248,6 +255,8 @@
       waitingTitle: '另一个标签页正在签名',
       waitingText: '所有标签页共用一块签名板。对方完成后就轮到您。',
       stopWaiting: '不再等待',
+      outdatedTitle: '签名服务版本过旧',
+      outdatedText: '服务不支持本页面需要的命令。请安装当前版本的服务。',
       failedTitle: '操作失败',
       failed: '操作失败：{reason}',
       statusOpening: '正在打开签名板…',
@@ -262,12 +271,15 @@
     },
   };
 
-  const { stored, store } = globalThis.Demo;
-  let language = stored('language') ?? (navigator.language.toLowerCase().startsWith('zh') ? 'zh' : 'en');
+  const { stored, store } = window.Demo;
+  let language = stored('language') || (navigator.language.toLowerCase().startsWith('zh') ? 'zh' : 'en');
   const listeners = [];
 
   const t = (key, values = {}) => TEXTS[language][key].replace(/\{(\w+)(?:\|(\w+)\|(\w+))?\}/g,
-    (placeholder, name, one, many) => one ? (values[name] === 1 ? one : many) : String(values[name] ?? placeholder));
+    (placeholder, name, one, many) => {
+      const value = name in values ? values[name] : placeholder;
+      return one ? (value === 1 ? one : many) : String(value);
+    });
 
   function translatePage() {
     document.documentElement.lang = language === 'zh' ? 'zh-CN' : 'en';
@@ -289,6 +301,6 @@
     translatePage();
   }
 
-  Object.assign(globalThis.Demo, { TEXTS, t, translatePage, switchLanguage,
+  Object.assign(window.Demo, { TEXTS, t, translatePage, switchLanguage,
     onLanguage: (listener) => listeners.push(listener) });
 })();

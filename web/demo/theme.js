@@ -25,7 +25,7 @@
   const systemIsDark = matchMedia('(prefers-color-scheme: dark)');
 
   function apply() {
-    dataset.theme = stored('theme') ?? (systemIsDark.matches ? 'dark' : 'light');
+    dataset.theme = stored('theme') || (systemIsDark.matches ? 'dark' : 'light');
   }
 
   function toggle() {
@@ -36,5 +36,5 @@
   systemIsDark.addEventListener('change', apply);
   apply();
 
-  globalThis.Demo = { stored, store, toggleTheme: toggle };
+  window.Demo = { stored, store, toggleTheme: toggle };
 })();

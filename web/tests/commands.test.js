@@ -1,7 +1,6 @@
 // What each method puts on the wire and makes of the reply; the table of commands against the service's own.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
-import { readFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 import WebSocket from 'ws';
 import { COMMANDS, Model, SignPad, SignPadData, SignPadError } from '../signpad.js';
@@ -101,14 +100,11 @@ for (const [call, resultText, request, value] of cases) {
   });
 }
 
-test('every command is a method, declared and tried', () => {
+test('every command is a method, and tried', () => {
   const tried = new Set(cases.map(([, , request]) => request.replace(/\?.*/s, '')));
   assert.equal(tried.size, 34);
   assert.deepEqual(COMMANDS.map(({ api }) => api).filter((api) => !tried.has(api)), []);
-  const declarations = readFileSync(new URL('../signpad.d.ts', import.meta.url), 'utf8');
-  const [commandPart] = /\n  \/\/ The pad\n.*?\n}\n/s.exec(declarations);
-  const declared = new Set([...commandPart.matchAll(/^  (\w+)\(/gm)].map(([, name]) => name));
-  assert.deepEqual([...declared].sort(), COMMANDS.map(({ method }) => method).sort());
+  assert.deepEqual(COMMANDS.filter(({ method }) => typeof SignPad.prototype[method] !== 'function'), []);
 });
 
 const refused = [

@@ -9,10 +9,10 @@ const read = (name) => readFileSync(new URL(name, demo), 'utf8');
 
 const context = vm.createContext({
   navigator: { language: 'en' },
-  Demo: { stored: () => null, store: () => undefined },
+  window: { Demo: { stored: () => null, store: () => undefined } },
 });
 vm.runInContext(read('texts.js'), context);
-const { en, zh } = context.Demo.TEXTS;
+const { en, zh } = context.window.Demo.TEXTS;
 
 test('both languages have the same texts with the same values in them', () => {
   assert.deepEqual(Object.keys(zh).sort(), Object.keys(en).sort());

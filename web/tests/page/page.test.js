@@ -129,7 +129,7 @@ describe('a whole capture', () => {
       await page.locator('#log-details summary').click();
       await page.evaluate(() => {
         const poll = { direction: 'sent', text: 'ws://localhost:8089/MVSignSDK/GetSize' };
-        for (let i = 0; i < 600; ++i) globalThis.Demo.log.add(poll);
+        for (let i = 0; i < 600; ++i) window.Demo.log.add(poll);
       });
       const saved = (await save(page, button(page, 'Save as text'))).bytes.toString();
       assert.match(saved, /-> ws:.*InitialDevice\?/);
@@ -319,7 +319,7 @@ describe('with a pad that takes its time', () => {
     const page = await slowPad(t, (api) => api === refused ? reply('Invalid API request', '-1') : undefined);
     refused = 'SetPenWidth';
     await control(page, 'slider', 'Width').fill('7');
-    await notice(page, 'That did not work');
+    await notice(page, 'The signature service is too old');
     refused = undefined;
     await button(page, 'Start signing').click();
     await until(async () => !await isVisible(page, '#notice'), 'the next signing');
