@@ -40,7 +40,7 @@ client)
     npx --no-install tsc -p .
     node build.js --check
     npx --no-install tsc -p tests/types
-    exec node --test tests/commands.test.js tests/connection.test.js tests/texts.test.js
+    exec node --test tests/*.test.js
     ;;
 service | page)
     install

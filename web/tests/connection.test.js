@@ -19,6 +19,11 @@ async function start(t, answer, options) {
 
 const apisOf = ({ requests }) => requests.map((text) => text.split('/').at(-1));
 
+/** Waits for a condition; the test's own time limit ends what never comes. */
+async function until(condition) {
+  while (!condition()) await sleep(2);
+}
+
 function eventsOf(pad, type) {
   const heard = [];
   pad.addEventListener(type, ({ detail }) => heard.push(detail));
@@ -30,7 +35,7 @@ test('calls go out one after the other, each after the reply to the one before',
   const { service, pad } = await start(t, (request, socket) => { held.push([request, socket]); });
   const results = Promise.all([pad.getSize(), pad.versionID(), pad.getSize()]);
   const oneArrives = async () => {
-    while (held.length === 0) await sleep(5);
+    await until(() => held.length > 0);
     await sleep(50); // and no other behind it
   };
   const answerNext = (result) => {
@@ -82,7 +87,7 @@ test('an aborted call rejects with the reason of the signal', async (t) => {
   await assert.rejects(pad.getSize({ signal: AbortSignal.abort(reason) }), reason);
   const controller = new AbortController();
   const call = assert.rejects(pad.getSize({ signal: controller.signal }), reason);
-  await sleep(30);
+  await until(() => service.requests.length === 1);
   controller.abort(reason);
   await call;
   assert.deepEqual(apisOf(service), ['GetSize']);
@@ -92,12 +97,13 @@ test('pushes arrive as events', async (t) => {
   const { service, pad } = await start(t);
   const keys = eventsOf(pad, 'key');
   const images = eventsOf(pad, 'image');
+  const messages = eventsOf(pad, 'message');
   service.sendToAll(reply('GetDeviceConfirmOrCancelKeyStatus', '1'));
   service.sendToAll(reply('GetDeviceConfirmOrCancelKeyStatus', '5'));
   service.sendToAll(reply('GetInks', '[{"EventType":"0","Image":"QUJD","ImageLength":"4"}]'));
   service.sendToAll(reply('GetInks', 'nonsense'));
   service.sendToAll('nonsense');
-  await sleep(50);
+  await until(() => messages.length === 5);
   assert.deepEqual(keys, [1, 5]);
   assert.deepEqual(images.map(({ base64 }) => base64), ['QUJD']);
 });
@@ -120,7 +126,7 @@ for (const [order, first, second] of [['before', '1', '-1'], ['after', '-1', '1'
     });
     const keys = eventsOf(pad, 'key');
     assert.equal(await pad.getDeviceConfirmOrCancelKeyStatus(), -1);
-    await sleep(20);
+    await until(() => keys.length > 0);
     assert.deepEqual(keys, [1]);
   });
 }
@@ -281,7 +287,7 @@ test('a lost connection fails the calls that wait and is made anew', async (t) =
   const back = once(asEmitter(pad, 'reconnect'), 'reconnect');
   const lost = eventsOf(pad, 'disconnect');
   const calls = [pad.getSize(), pad.versionID()].map((call) => assert.rejects(call, { code: 'connection-lost' }));
-  await sleep(30);
+  await until(() => service.requests.length === 1);
   service.dropClients();
   await Promise.all(calls);
   assert.equal(lost[0].willReconnect, true);
@@ -296,7 +302,7 @@ test('the pauses between attempts double up to the longest', async (t) => {
   const attempts = eventsOf(pad, 'reconnecting');
   const back = once(asEmitter(pad, 'reconnect'), 'reconnect');
   await service.stop();
-  while (attempts.length < 5) await sleep(10);
+  await until(() => attempts.length >= 5);
   assert.deepEqual(attempts.slice(0, 5).map(({ delay }) => delay), [10, 20, 40, 40, 40]);
   const again = await startMockService(undefined, { port: service.port });
   t.after(() => again.stop());
@@ -319,7 +325,7 @@ test('closing ends the attempts to connect again', async (t) => {
   const { service, pad } = await start(t, undefined, { reconnectDelay: 10, maxReconnectDelay: 10 });
   const attempts = eventsOf(pad, 'reconnecting');
   await service.stop();
-  while (attempts.length < 2) await sleep(5);
+  await until(() => attempts.length >= 2);
   pad.close();
   await sleep(30);
   const made = attempts.length;

@@ -165,5 +165,12 @@ for (const name of chosen) {
     test('leaves no error in the console', () => {
       assert.deepEqual(tab.errors.filter((text) => !REFUSED_CONNECTION.test(text)), []);
     });
+
+    test('without what the page needs it shows one sentence', async () => {
+      await tab.prepare('delete window.AbortController');
+      await tab.open(FILE_PAGE);
+      const shown = await tab.run(() => document.body.innerText.trim());
+      assert.match(shown, /^This page needs JavaScript and a browser not older than Chromium 69 or Firefox 60\.[^\n]*$/);
+    });
   });
 }

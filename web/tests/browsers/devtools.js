@@ -6,10 +6,9 @@ import { tmpdir } from 'node:os';
 import path from 'node:path';
 import { createInterface } from 'node:readline';
 import WebSocket from 'ws';
-import { until } from '../page/desktop.js';
 
 // Without a graphics card the oldest of them crash at the first canvas unless nothing stands in for it.
-const ARGUMENTS = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-software-rasterizer', '--single-process', '--no-zygote',
+const ARGUMENTS = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-software-rasterizer', '--no-zygote',
   '--disable-dev-shm-usage', '--hide-scrollbars', '--remote-debugging-port=0'];
 
 /** The port of the DevTools, which the browser prints as soon as it listens there. */
@@ -23,10 +22,7 @@ async function portOf(browser) {
 
 /** `send(method, parameters)` asks the browser; `listeners` hold what to do at an event of a name. */
 async function connect(port) {
-  const { webSocketDebuggerUrl } = await until(async () => {
-    const targets = await (await fetch(`http://127.0.0.1:${port}/json/list`)).json();
-    return targets.find(({ type }) => type === 'page');
-  }, 'the first tab');
+  const { webSocketDebuggerUrl } = await (await fetch(`http://127.0.0.1:${port}/json/new?about:blank`)).json();
   const socket = new WebSocket(webSocketDebuggerUrl, { perMessageDeflate: false });
   await once(socket, 'open');
   const waiting = new Map();
