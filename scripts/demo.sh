@@ -97,15 +97,19 @@ sign_by_hand() {
 }
 
 # -- captured -------------------------------------------------------------------------------------------------------
-# Sends a request, prints it and its reply, each cut to a line, and leaves the result in $result.
+# Sends a request, leaves the result in $result and shows both.
 ask() {
-    local call=$1 line
+    local call=$1
     shift
     [ $# -gt 0 ] && call+="?$(IFS='&' && echo "$*")"
     result=$(request "${call%%\?*}" "$@")
-    line=${result//$'\n'/ }
+    show "$call"
+}
+# show CALL: prints a request and its result, each cut to a line.
+show() {
+    local line=${result//$'\n'/ }
     [ ${#line} -le 70 ] || line="${line:0:56}... (${#line} characters)"
-    printf '  %-62s -> %s\n' "$call" "$line"
+    printf '  %-62s -> %s\n' "$1" "$line"
 }
 # keep_saved FILE: takes the picture whose path is in $result into the output.
 keep_saved() {
@@ -152,10 +156,19 @@ capture_wps_signature() {
     keep_saved wps-signature.png
     rm -f /tmp/MVeSignWPS.png # of which it is composed
 }
+wait_for_finger() {
+    for _ in {1..100}; do
+        result=$(request GetFingerPrintImage FPImageOnly=1)
+        [ -z "$result" ] || return 0
+        sleep 0.1
+    done
+    fail "no finger came to the sensor."
+}
 capture_fingerprint() {
     echo "A fingerprint on the Cedar pad:"
     ask InitialDevice id=7 width=800 height=480
-    ask GetFingerPrintImage FPImageOnly=1
+    wait_for_finger
+    show 'GetFingerPrintImage?FPImageOnly=1'
     picture >"$output/fingerprint.png"
     ask UninitialDevice
 }
