@@ -89,7 +89,8 @@ bool SessionBusProbe::Start()
     }
     m_strAddress = QFile::decodeName(busAddress);
     m_pNotifier = new QSocketNotifier(m_nSocket, QSocketNotifier::Read, this);
-    connect(m_pNotifier, &QSocketNotifier::activated, this, [this] { ReadAnswer(); });
+    // By its name: what is behind the pointer to this signal is another function since Qt 5.15.
+    connect(m_pNotifier, SIGNAL(activated(int)), this, SLOT(ReadAnswer()));
     return true;
 }
 

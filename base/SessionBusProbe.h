@@ -23,8 +23,10 @@ Q_SIGNALS:
     /// The bus is there, at this address. At most once for each start, and not at all while it hangs.
     void answered(const QString &address);
 
-private:
+private Q_SLOTS:
     void ReadAnswer();
+
+private:
     void Stop();
 
     QString m_strAddress;

@@ -1,9 +1,9 @@
 # shellcheck shell=bash disable=SC2034
 # Sourced by the other scripts: what they need of Debian's packages, and how they get it.
 
-build_packages=(cmake ninja-build g++ qtbase5-dev libqt5websockets5-dev)
+build_packages=(cmake ninja-build g++ qtbase5-dev libqt5websockets5-dev qttools5-dev-tools)
 # A desktop without a screen: the server, a tray, fonts for the menu's texts, tools to look and click.
-desktop_packages=(xvfb trayer xdotool imagemagick x11-utils procps fonts-dejavu-core fonts-noto-cjk)
+desktop_packages=(xvfb xterm trayer xdotool imagemagick x11-utils procps fonts-dejavu-core fonts-noto-cjk)
 # What tests/desktop/isolated.sh takes.
 isolation_packages=(util-linux iproute2)
 test_packages=("${isolation_packages[@]}" valgrind dbus openbox lxqt-panel desktop-file-utils librsvg2-bin icoutils binutils

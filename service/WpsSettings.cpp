@@ -54,3 +54,11 @@ void _STRUCT_WPS_SETTINGS_INIDATA::UpdateWPSSettingsToConfigureFile() const
     ForEachSetting(*this, [&file](const QString &key, const auto &field) { file.Save(key, field); });
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
+
+QStringList WpsSettingsKeys()
+{
+    QStringList keys;
+    const _STRUCT_WPS_SETTINGS_INIDATA anySettings;
+    ForEachSetting(anySettings, [&keys](const QString &key, const auto &) { keys.append(key); });
+    return keys;
+}

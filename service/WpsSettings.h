@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /// How one of the three WPS applications wants its signatures.
 struct WpsApplicationSettings {
@@ -24,3 +25,6 @@ struct _STRUCT_WPS_SETTINGS_INIDATA { // NOLINT(bugprone-reserved-identifier): t
     /// Writes all settings; a failure goes unnoticed.
     void UpdateWPSSettingsToConfigureFile() const;
 };
+
+/// The keys of the WPS settings file.
+QStringList WpsSettingsKeys();

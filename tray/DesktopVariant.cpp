@@ -2,8 +2,6 @@
 
 #include <QDir>
 
-#include <iterator>
-
 namespace {
 
 struct DesktopVariant {
@@ -12,7 +10,7 @@ struct DesktopVariant {
 };
 
 /// A desktop's number is its row, counted from 1.
-const DesktopVariant desktopVariants[] = {
+const DesktopVariant desktopVariants[nDesktopVariants] = {
     {"uos", "com.morvane.mvsignpaddriver.desktop"},
     {"kylin", "mvsignpaddriver-kylin.desktop"},
     {"neokylin", "mvsignpaddriver-neokylin.desktop"},
@@ -21,7 +19,7 @@ const DesktopVariant desktopVariants[] = {
 
 QString DesktopEntryIn(const QString &folder, int nOSProductID)
 {
-    if (nOSProductID < 1 || nOSProductID > static_cast<int>(std::size(desktopVariants)))
+    if (nOSProductID < 1 || nOSProductID > nDesktopVariants)
         return {};
     return folder + QLatin1Char('/') + QLatin1String(desktopVariants[nOSProductID - 1].szDesktopEntry);
 }

@@ -2,6 +2,9 @@
 
 #include <QString>
 
+/// The desktops with an entry of their own are numbered from 1 to this.
+const int nDesktopVariants = 4;
+
 /// The number of the desktop with this product type (QSysInfo::productType()), 0 when it is none of ours.
 int DesktopVariantOf(const QString &productType);
 

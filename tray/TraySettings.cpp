@@ -36,6 +36,14 @@ void TraySettings::Load(int nOSProductID)
         bAutoLaunch = QFile::exists(AutostartTarget(nOSProductID));
 }
 
+QStringList TraySettings::Keys()
+{
+    QStringList keys;
+    const TraySettings anySettings;
+    ForEachSetting(anySettings, [&keys](const QString &key, const auto &) { keys.append(key); });
+    return keys;
+}
+
 void TraySettings::Save() const
 {
     SettingsWriter file(traySettingsName);

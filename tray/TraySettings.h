@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QtGlobal>
 
 /// The persisted tray settings. Main thread only.
@@ -14,6 +15,8 @@ struct TraySettings {
     /// Reads the settings file; what it lacks stays as it is. An automatic launch that the file knows of is replaced by
     /// whether the desktop variant's autostart entry exists.
     void Load(int nOSProductID);
+    /// The keys of the file.
+    static QStringList Keys();
     /// Writes all settings; a failure goes unnoticed.
     void Save() const;
 };

@@ -2,7 +2,7 @@
 # Runs a program as on another desktop product: with an /etc/os-release and a /usr/share/applications of its own, which
 # nobody else sees. The program takes this script's place, so that no other command line holds its name.
 #
-# usage: as-product.sh OS_RELEASE_FILE APPLICATIONS_FOLDER PROGRAM
+# usage: as-product.sh OS_RELEASE_FILE APPLICATIONS_FOLDER PROGRAM [ARGUMENT...]
 set -eu
 
 if [ "$1" != --inside ]; then
@@ -12,4 +12,5 @@ if [ "$1" != --inside ]; then
 fi
 mount --bind "$2" /etc/os-release
 mount --bind "$3" /usr/share/applications
-exec "$4"
+shift 3
+exec "$@"

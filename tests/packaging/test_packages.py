@@ -27,6 +27,7 @@ PROGRAM_FILES = """
 /usr/share/applications/mvsignpaddriver-kylin.desktop
 /usr/share/applications/mvsignpaddriver-neokylin.desktop
 /usr/share/applications/mvsignpaddriver-nfs.desktop
+/usr/share/bash-completion/completions/mvsignctl
 /usr/share/doc/mvsignpad/changelog.gz
 /usr/share/doc/mvsignpad/copyright
 /usr/share/icons/hicolor/48x48/apps/mvsignpadsdk_wssvr.png
@@ -180,6 +181,21 @@ class PackagesTest(unittest.TestCase):
         options = re.findall(r"--[a-z-]+", self.in_root("mvsignctl", "--help").stdout)
         self.assertGreaterEqual(len(options), 6)
         self.assertEqual([option for option in options if option not in manual], [])
+
+    def test_doctor_says_what_is_missing(self):
+        self.dpkg("--install", self.program)
+        doctor = self.in_root("mvsignctl", "doctor")
+        self.assertEqual(doctor.returncode, 1)
+        lines = dict(line.split(": ", 1) for line in doctor.stdout.splitlines())
+        self.assertTrue(lines["BAD  program"].startswith("does not run: "), doctor.stdout)
+        self.assertEqual(lines["BAD  pad library"],
+                         f"{MAKERS_LIBRARY} is not there: copy the library of the pad's maker to it")
+        self.assertIn("install", lines["BAD  Chinese font"])
+        self.assertEqual(lines["ok   icon"], "/opt/mvsignpad/mvsignpadsdk_wssvr.ico")
+        self.assertIn("ok   other copies", lines)
+        self.at("/usr/bin/pgrep").rename(self.at("/root/pgrep"))
+        self.addCleanup(self.at("/root/pgrep").rename, self.at("/usr/bin/pgrep"))
+        self.assertIn("install pgrep", self.in_root("mvsignctl", "doctor").stdout)
 
     def test_makers_library_is_left_alone(self):
         self.dpkg("--install", self.program, self.virtual)
