@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QRegularExpression>
+#include <QTest>
 
 namespace {
 
@@ -12,10 +13,23 @@ QString InBackquotes(const QString &line)
 
 } // namespace
 
+void AddApiDocuments()
+{
+    QTest::addColumn<QString>("document");
+    QTest::addColumn<QString>("requestLabel");
+    QTest::addColumn<QString>("replyLabel");
+    QTest::newRow("English") << QStringLiteral("api.md") << QStringLiteral("- Request: ")
+                             << QStringLiteral("- Reply: ");
+    QTest::newRow("Chinese") << QStringLiteral("zh/api.md") << QStringLiteral("- 请求：") << QStringLiteral("- 应答：");
+}
+
 QMap<QString, ApiSection> ReadApiDocument()
 {
+    QFETCH_GLOBAL(const QString, document);
+    QFETCH_GLOBAL(const QString, requestLabel);
+    QFETCH_GLOBAL(const QString, replyLabel);
     QMap<QString, ApiSection> sections;
-    QFile file(QStringLiteral(API_DOCUMENT));
+    QFile file(QStringLiteral(DOCUMENTS) + document);
     if (!file.open(QIODevice::ReadOnly))
         return sections;
     QString name;
@@ -25,9 +39,9 @@ QMap<QString, ApiSection> ReadApiDocument()
             ++sections[name].nCount;
         } else if (line.startsWith(QLatin1String("## "))) {
             name.clear();
-        } else if (!name.isEmpty() && line.startsWith(QLatin1String("- Request: "))) {
+        } else if (!name.isEmpty() && line.startsWith(requestLabel)) {
             sections[name].request = InBackquotes(line);
-        } else if (!name.isEmpty() && line.startsWith(QLatin1String("- Reply: "))) {
+        } else if (!name.isEmpty() && line.startsWith(replyLabel)) {
             sections[name].reply = InBackquotes(line);
         }
     }

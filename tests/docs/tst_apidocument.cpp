@@ -1,4 +1,5 @@
-// docs/api.md tells of every command, once, with its keys in their order and a reply that a client can parse.
+// docs/api.md and its translation tell of every command, once, with its keys in their order and a reply that a client
+// can parse.
 
 #include "service/CommandTable.h"
 #include "tests/docs/ApiDocument.h"
@@ -12,7 +13,8 @@ class tst_ApiDocument : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase_data() { AddApiDocuments(); }
+    void init();
     void describesEveryCommandOnce();
     void describesNothingElse();
     void requestHasTheKeysInOrder_data() { addCommands(); }
@@ -26,7 +28,7 @@ private:
     QMap<QString, ApiSection> m_sections;
 };
 
-void tst_ApiDocument::initTestCase()
+void tst_ApiDocument::init()
 {
     m_sections = ReadApiDocument();
     QVERIFY(!m_sections.isEmpty());

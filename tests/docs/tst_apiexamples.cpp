@@ -1,4 +1,5 @@
-// The examples of docs/api.md are true: a service with the virtual pad gives each reply as it stands there.
+// The examples of docs/api.md and of its translation are true: a service with the virtual pad gives each reply as it
+// stands there.
 
 #include "service/CommandTable.h"
 #include "tests/docs/ApiDocument.h"
@@ -61,31 +62,32 @@ class tst_ApiExamples : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase_data() { AddApiDocuments(); }
     void initTestCase();
     void init();
     void example_data();
     void example();
 
 private:
-    const QMap<QString, ApiSection> m_sections = ReadApiDocument();
-    std::unique_ptr<PrivateHome> m_home;
+    QMap<QString, ApiSection> m_sections;
+    const PrivateHome m_home;
 };
 
 void tst_ApiExamples::initTestCase()
 {
-    QCOMPARE(m_sections.size(), 34);
+    QVERIFY(QFile::link(QStringLiteral(VIRTUAL_PAD_LIBRARY), m_home.path(QStringLiteral("libmvsignpadsdk.so"))));
+    QFile ink(m_home.path(QStringLiteral("ink.json")));
+    QVERIFY(ink.open(QIODevice::WriteOnly));
+    QCOMPARE(ink.write(onePoint), qint64(onePoint.size()));
+    qputenv("MVSIGNPAD_VIRTUAL_INK", QFile::encodeName(ink.fileName()));
     qputenv("MVSIGNPAD_VIRTUAL_SPEED", "0");
 }
 
 void tst_ApiExamples::init()
 {
-    m_home.reset();
-    m_home.reset(new PrivateHome);
-    QVERIFY(QFile::link(QStringLiteral(VIRTUAL_PAD_LIBRARY), m_home->path(QStringLiteral("libmvsignpadsdk.so"))));
-    QFile ink(m_home->path(QStringLiteral("ink.json")));
-    QVERIFY(ink.open(QIODevice::WriteOnly));
-    QCOMPARE(ink.write(onePoint), qint64(onePoint.size()));
-    qputenv("MVSIGNPAD_VIRTUAL_INK", QFile::encodeName(ink.fileName()));
+    m_sections = ReadApiDocument();
+    QCOMPARE(m_sections.size(), 34);
+    m_home.removeConfig();
 }
 
 void tst_ApiExamples::example_data()
