@@ -2,7 +2,7 @@
 import pathlib
 import re
 
-FENCE = re.compile(r"^```(\S*)\s*$")
+FENCE = re.compile(r"^\s*```(\S*)\s*$")
 HEADING = re.compile(r"^(#{1,6}) (.+?)\s*$")
 TABLE_RULE = re.compile(r"^\|(?:\s*:?-+:?\s*\|)+\s*$")
 CODE_SPAN = re.compile(r"`([^`]+)`")

@@ -6,7 +6,7 @@ import tempfile
 import unittest
 
 from documents import cells
-from translations import PAIRS, ROOT, Pair, digest
+from translations import PAIRS, ROOT, Pair, accept, digest
 
 ENGLISH = """# Title
 
@@ -21,6 +21,12 @@ ENGLISH = """# Title
 ```sh
 run --this   # and why
 ```
+
+- an item:
+
+  ```js
+  call(); // and why
+  ```
 
     {"API":"Clear"}
 """
@@ -38,6 +44,12 @@ CHINESE = """# 标题
 ```sh
 run --this   # 为什么
 ```
+
+- 一项：
+
+  ```js
+  call(); // 为什么
+  ```
 
     {"API":"Clear"}
 """
@@ -65,6 +77,7 @@ class Checked(unittest.TestCase):
             "heading": ("## 第二", "### 第二"),
             "code": ("run --this", "run --that"),
             "code without a fence": ('{"API":"Clear"}', '{"API":"Close"}'),
+            "code in an item": ("call()", "recall()"),
             "code's language": ("```sh", "```js"),
             "code in a cell": ("`one \\| two`", "`one`"),
             "a column": ("| 甲 | 乙 |\n|---|---|\n| `one \\| two` | 文字 |", "| 甲 |\n|---|\n| `one \\| two` |"),
@@ -81,6 +94,17 @@ class Checked(unittest.TestCase):
 
     def test_prose_that_changed_is_seen(self):
         self.assertNotEqual(self.differences(stale=True), [])
+
+    def test_accepting_marks_a_translation_as_current(self):
+        for line in (f"<!-- translates: docs/install.md {'0' * 16} -->\n", ""):
+            with self.subTest(line), tempfile.TemporaryDirectory() as folder:
+                root = pathlib.Path(folder)
+                (root / "one.md").write_text("# Title\n\nText\n", encoding="utf-8")
+                (root / "other.md").write_text(f"# 标题\n{line}\n文字\n", encoding="utf-8")
+                accept("one.md", "other.md", root)
+                self.assertEqual((root / "other.md").read_text(encoding="utf-8"),
+                                 "# 标题\n<!-- translates: one.md 594f76ae6a9c8fe6 -->\n\n文字\n")
+                self.assertEqual(Pair("one.md", "other.md", root, {"one.md": "other.md"}).differences(), [])
 
 
 class Documents(unittest.TestCase):
@@ -106,7 +130,7 @@ class Terms(unittest.TestCase):
 
     def chinese_texts(self):
         paths = [ROOT / name for name in PAIRS.values()]
-        paths += [ROOT / "web/demo/texts.js", *sorted((ROOT / "tools").glob("*.ts")),
+        paths += [ROOT / "web/demo/texts.js", *sorted((ROOT / "tools").rglob("*.ts")),
                   *sorted((ROOT / "packaging").glob("*zh_CN*"))]
         return {path: path.read_text(encoding="utf-8") for path in paths}
 

@@ -1,4 +1,11 @@
-"""Compares each document with its translation."""
+#!/usr/bin/env python3
+"""Compares each document with its translation.
+
+    tests/docs/translations.py --accept docs/install.md...
+
+writes into the translation of each of them that it says what the document says now. Run it once it does.
+"""
+import argparse
 import hashlib
 import os
 import pathlib
@@ -26,6 +33,19 @@ def digest(path):
     return hashlib.sha256(path.read_bytes()).hexdigest()[:16]
 
 
+def state_of(original, root=ROOT):
+    return f"<!-- translates: {original} {digest(root / original)} -->"
+
+
+def accept(original, translation, root=ROOT):
+    """Renews the line that names the original's digest; a translation without one gets it below its title."""
+    path = root / translation
+    text = path.read_text(encoding="utf-8")
+    state = state_of(original, root)
+    renewed, count = STATE.subn(state, text)
+    path.write_text(renewed if count else re.sub(r"(?m)^# .*\n", rf"\g<0>{state}\n", text, count=1), encoding="utf-8")
+
+
 class Pair:
     """One document, its translation, and how they differ."""
 
@@ -47,10 +67,10 @@ class Pair:
 
     def _state(self):
         match = STATE.search((self.root / self.names[1]).read_text(encoding="utf-8"))
-        now = f"<!-- translates: {self.names[0]} {digest(self.root / self.names[0])} -->"
-        if match and match.group(0) == now:
+        if match and match.group(0) == state_of(self.names[0], self.root):
             return []
-        return [f"{self.names[0]} has changed since; once the translation is so too, it holds the line: {now}"]
+        return [f"{self.names[0]} has changed since. Change the translation likewise, then run: "
+                f"tests/docs/translations.py --accept {self.names[0]}"]
 
     def _headings(self):
         one, other = ([level for level, _ in document.headings] for document in (self.original, self.translation))
@@ -107,3 +127,14 @@ class Pair:
     def _exists(self, document, target):
         place, anchor = self._place(document, target)
         return "://" in place or ((self.root / place).exists() and not isinstance(anchor, str))
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Marks translations as saying what their documents say.")
+    parser.add_argument("--accept", nargs="+", required=True, choices=PAIRS, metavar="DOCUMENT")
+    for original in parser.parse_args().accept:
+        accept(original, PAIRS[original])
+
+
+if __name__ == "__main__":
+    main()
