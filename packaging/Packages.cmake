@@ -1,5 +1,5 @@
-# The two Debian packages, one for each component: the program, and apart from it the virtual pad and the documents for
-# machines without the hardware. scripts/package.sh builds them.
+# The two packages, one for each component: the program, and apart from it the virtual pad and the documents for machines
+# without the hardware; as .deb and as .rpm. scripts/package.sh builds them.
 
 find_program(GZIP gzip)
 if(NOT GZIP)
@@ -48,24 +48,27 @@ endif()
 set(CPACK_DEBIAN_MVSIGNPAD_PACKAGE_NAME mvsignpad)
 set(CPACK_DEBIAN_MVSIGNPAD_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_MVSIGNPAD_PACKAGE_DEPENDS procps) # pgrep, which finds a copy that is already running
-set(CPACK_DEBIAN_MVSIGNPAD_DESCRIPTION "capture of handwritten signatures from a USB signature pad
-A tray program of the logged-in user's desktop that lets a web page or the WPS
+set(program_synopsis "capture of handwritten signatures from a USB signature pad")
+set(program_description "A tray program of the logged-in user's desktop that lets a web page or the WPS
 office suite capture a handwritten signature from a USB signature pad.
 
 The signature pad's own library, libmvsignpadsdk.so, comes from the maker of
 the pad and is copied into /opt/mvsignpad beside the program.
 
 The package also brings mvsignctl, the command-line client of the service.")
+set(CPACK_DEBIAN_MVSIGNPAD_DESCRIPTION "${program_synopsis}\n${program_description}")
 
 set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_PACKAGE_NAME mvsignpad-virtual)
 set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_PACKAGE_SUGGESTS mvsignpad)
-set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_DESCRIPTION "software signature pad and documents for mvsignpad
-A stand-in for the library of the signature pad's maker, for developing and
+set(virtual_synopsis "software signature pad and documents for mvsignpad")
+set(virtual_description "A stand-in for the library of the signature pad's maker, for developing and
 testing on machines without the hardware, together with the documents for
 administrators, packagers and developers of web pages.
 
 The stand-in lies in /usr/lib/mvsignpad/virtual and is never put in the place
 of the maker's library by itself.")
+set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_DESCRIPTION "${virtual_synopsis}\n${virtual_description}")
 
+include(RpmPackages.cmake)
 include(CPack)

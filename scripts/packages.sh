@@ -13,7 +13,8 @@ test_packages+=(libnss3 libnspr4 libuuid1)
 
 # The cross-compiler, the emulator, and the target's libraries beside the machine's own.
 arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5websockets5-dev:arm64)
-packaging_packages=(dpkg-dev lintian)
+packaging_packages=(dpkg-dev file rpm binutils python3)
+packaging_check_packages=(lintian rpm rpmlint)
 format_packages=(clang-format-14 shellcheck)
 lint_packages=(clang python3-clang-14)
 fuzz_packages=("${isolation_packages[@]}" clang libclang-rt-dev)

@@ -17,7 +17,8 @@ esac
 
 . scripts/packages.sh
 . scripts/run-tests.sh
-install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${packaging_packages[@]}"
+install_missing "${build_packages[@]}" "${desktop_packages[@]}" "${test_packages[@]}" "${packaging_packages[@]}" \
+    "${packaging_check_packages[@]}"
 cmake -S . -B build -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON
 cmake --build build
 # Many tests wait most of their time. A real browser on a real desktop may miss its time on a busy machine: what fails is
