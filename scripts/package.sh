@@ -24,6 +24,8 @@ build_packages_for() {
 
 if [ "${1-}" = --inside ]; then
     shift
+    # The same release of each library for both architectures: the later updates are not there for all.
+    sed -i '/-security\|-updates/d' /etc/apt/sources.list
     install_missing "${build_packages[@]}" "${packaging_packages[@]}"
     [ "$*" = "$native" ] || install_arm64_tools
     for architecture in "$@"; do build_packages_for "$architecture"; done
