@@ -1,11 +1,12 @@
 #include "base/Logging.h"
 
+#include <QByteArray>
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,7 +42,7 @@ void AppendToFile(const char *path, const char *tag, const char *message, const 
     int file = OpenOwnFile(path, status);
     if (file >= 0 && status.st_size >= nLargestLog) {
         close(file);
-        file = std::rename(path, (std::string(path) + ".1").c_str()) == 0 ? OpenOwnFile(path, status) : -1;
+        file = std::rename(path, (QByteArray(path) + ".1").constData()) == 0 ? OpenOwnFile(path, status) : -1;
     }
     if (file < 0)
         return;

@@ -1,0 +1,95 @@
+#!/usr/bin/python3
+"""Installs, upgrades and removes the .rpm packages of a build in a root of their own.
+
+    tests/packaging/test_rpm.py BUILD-DIRECTORY
+
+Runs as root in namespaces of its own (tests/desktop/isolated.sh). Needs rpm and rpmlint.
+"""
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from test_packages import MAKERS_LIBRARY, PROGRAM_FILES, SOME_DOCUMENTS, VIRTUAL_PAD
+
+LINT_SETTINGS = pathlib.Path(__file__).resolve().parents[2] / "packaging" / "rpmlint.toml"
+# A library by its soname, a feature of rpm itself, the loader's hash table, and the one program.
+REQUIREMENT = re.compile(r"lib[\w+]+\.so\.\d+\(.*\)\(64bit\)|ld-linux-.*\(64bit\)|rpmlib\(.*\) .*|rtld\(GNU_HASH\)|/usr/bin/pgrep")
+
+
+def output(*command):
+    return subprocess.run(command, stdout=subprocess.PIPE, encoding="utf-8", check=True).stdout
+
+
+class RpmTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.work = pathlib.Path(tempfile.mkdtemp(prefix="rpm-", dir=BUILD))
+        cls.addClassCleanup(shutil.rmtree, cls.work)
+        cls.old = cls.packages("0.9")
+        cls.new = cls.packages()
+
+    @classmethod
+    def packages(cls, version=None):
+        """The program's package and the virtual pad's."""
+        folder = cls.work / (version or "new")
+        subprocess.run(["cpack", "-G", "RPM", "--config", BUILD / "CPackConfig.cmake", "-B", folder,
+                        *(["-R", version] if version else [])], check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, cwd=BUILD)
+        virtual, = folder.glob("mvsignpad-virtual-*.rpm")
+        program, = set(folder.glob("mvsignpad-*.rpm")) - {virtual}
+        return [program, virtual]
+
+    def setUp(self):
+        self.root = pathlib.Path(tempfile.mkdtemp(dir=self.work))
+        self.rpm("--initdb")
+
+    def rpm(self, *arguments):
+        # The root holds no other package, so nothing there satisfies a requirement.
+        return output("rpm", "--root", self.root, *arguments)
+
+    def install(self, packages):
+        self.rpm("--upgrade", "--nodeps", *packages)
+
+    def at(self, path):
+        return self.root / path.lstrip("/")
+
+    def files(self, package):
+        return {path for path in self.rpm("--query", "--list", package).split("\n") if path and not self.at(path).is_dir()}
+
+    def test_rpmlint_finds_no_error(self):
+        subprocess.run(["rpmlint", "--config", LINT_SETTINGS, *self.new], check=True, stdout=subprocess.DEVNULL)
+
+    def test_same_files_as_the_debian_packages(self):
+        self.install(self.new)
+        self.assertEqual(self.files("mvsignpad"), set(PROGRAM_FILES))
+        virtual = self.files("mvsignpad-virtual")
+        self.assertLessEqual({VIRTUAL_PAD, *SOME_DOCUMENTS}, virtual)
+        self.assertEqual([path for path in virtual if path.startswith("/opt")], [])
+        self.assertEqual(self.rpm("--verify", "--nodeps", "mvsignpad", "mvsignpad-virtual"), "")
+
+    def test_requirements_fit_any_distribution(self):
+        for package in self.new:
+            requirements = output("rpm", "--query", "--requires", "--package", package).split("\n")[:-1]
+            self.assertIn("libQt5Core.so.5(Qt_5)(64bit)", requirements)
+            self.assertEqual([name for name in requirements if not REQUIREMENT.fullmatch(name)], [])
+            self.assertNotIn("libmvsignpadsdk", output("rpm", "--query", "--provides", "--package", package))
+
+    def test_upgrade_and_removal_leave_the_makers_library(self):
+        self.install(self.old)
+        self.assertEqual(self.rpm("--query", "--queryformat", "%{VERSION}", "mvsignpad"), "0.9")
+        self.at(MAKERS_LIBRARY).write_text("the maker's")
+        self.install(self.new)
+        self.assertNotEqual(self.rpm("--query", "--queryformat", "%{VERSION}", "mvsignpad"), "0.9")
+        self.assertEqual(self.at(MAKERS_LIBRARY).read_text(), "the maker's")
+        self.rpm("--erase", "mvsignpad", "mvsignpad-virtual")
+        self.assertEqual([path.name for path in self.at("/opt/mvsignpad").iterdir()], ["libmvsignpadsdk.so"])
+        self.assertFalse(self.at("/usr/bin/mvsignctl").exists())
+
+
+if __name__ == "__main__":
+    BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
+    unittest.main(verbosity=2)
