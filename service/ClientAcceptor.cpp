@@ -35,7 +35,7 @@ ClientAcceptor::ClientAcceptor(QWebSocketServer *pServer, const ClientPatience &
       m_pNotifier(new QSocketNotifier(m_nListening, QSocketNotifier::Read, this)), m_pRetryTimer(new QTimer(this))
 {
     pServer->pauseAccepting();
-    connect(m_pNotifier, &QSocketNotifier::activated, this, &ClientAcceptor::Accept);
+    connect(m_pNotifier, SIGNAL(activated(int)), this, SLOT(Accept())); // its C++ type differs between Qt versions
     connect(pServer, &QWebSocketServer::closed, this, &ClientAcceptor::Close);
     m_pRetryTimer->setSingleShot(true);
     m_pRetryTimer->setInterval(nRetryMs);

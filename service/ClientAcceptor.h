@@ -28,7 +28,7 @@ protected:
     void childEvent(QChildEvent *pEvent) override;
 
 private:
-    void Accept();
+    Q_SLOT void Accept();
     void Pause();
     void Resume();
     void Close();
