@@ -148,7 +148,7 @@ void SysTrayMenuMgr::FillMenu(const TrayTexts &texts, QMenu &menu)
 
 void SysTrayMenuMgr::RestoreSavedState()
 {
-    Q_EMIT statusChanged(StoppedInTheMenu());
+    Q_EMIT m_statusSource.statusChanged(StoppedInTheMenu());
     if (INIDATA.bStartWebService) {
         INIDATA.bStartWebServiceWithSSL = false;
         m_pStartServiceAction->setChecked(true);
@@ -164,7 +164,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
     if (bOpenService && !m_pWebSocketThread) {
         m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy());
-        connect(m_pWebSocketThread, &WebSocketThread::statusChanged, this, &SysTrayMenuMgr::statusChanged);
+        connect(m_pWebSocketThread, &WebSocketThread::statusChanged, &m_statusSource, &ServiceStatusSource::statusChanged);
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
     } else if (!bOpenService && m_pWebSocketThread) {
@@ -173,7 +173,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
         WaitForEnd(*m_pWebSocketThread);
         delete m_pWebSocketThread;
         m_pWebSocketThread = nullptr;
-        Q_EMIT statusChanged(StoppedInTheMenu());
+        Q_EMIT m_statusSource.statusChanged(StoppedInTheMenu());
         MV_LOG(tag, "after call m_pWebSocketThread = nullptr...");
     }
     MV_LOG(tag, "Leave !");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/ServiceStatus.h"
+#include "tray/ServiceStatusSource.h"
 #include "tray/TraySettings.h"
 
 #include <QObject>
@@ -37,12 +37,12 @@ public:
     void WriteDataToINIFIle();
 
     const TraySettings &Settings() const { return INIDATA; }
+    /// Lives as long as this object.
+    const ServiceStatusSource &StatusSource() const { return m_statusSource; }
 
 Q_SIGNALS:
     /// The program is to end: the exit entry was chosen, or there is no tray.
     void closed();
-    /// The service is in another state than before.
-    void statusChanged(const ServiceStatus &status);
 
 public Q_SLOTS:
     void StartWebSocketService();
@@ -58,6 +58,7 @@ private:
     void RestoreSavedState();
 
     TraySettings INIDATA;
+    ServiceStatusSource m_statusSource;
     QPointer<QAction> m_pStartServiceAction;
     QPointer<QAction> m_pStartSecureServiceAction;
     QPointer<QAction> m_pAutoLaunchAction;
