@@ -7,12 +7,13 @@ desktop_packages=(xvfb xterm trayer xdotool imagemagick x11-utils procps fonts-d
 # What tests/desktop/isolated.sh takes.
 isolation_packages=(util-linux iproute2)
 test_packages=("${isolation_packages[@]}" valgrind dbus openbox lxqt-panel desktop-file-utils librsvg2-bin icoutils binutils
-    file nodejs npm chromium firefox-esr openssl)
+    file nodejs npm chromium firefox-esr openssl libsm-dev)
 # What the old builds of Chromium that the page is tested in are linked against.
 test_packages+=(libnss3 libnspr4 libuuid1)
 
 # The cross-compiler, the emulator, and the target's libraries beside the machine's own.
-arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5websockets5-dev:arm64)
+arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5websockets5-dev:arm64
+    libsm-dev:arm64)
 packaging_packages=(dpkg-dev file rpm binutils python3)
 packaging_check_packages=(lintian rpm rpmlint)
 format_packages=(clang-format-14 shellcheck)
