@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 namespace {
@@ -52,6 +53,8 @@ private Q_SLOTS:
     void unknownProductCopiesNothing_data();
     void unknownProductCopiesNothing();
     void missingPackageCopiesNothing();
+    void entryThatCannotBeRemovedStays();
+    void folderThatCannotBeMade();
 
 private:
     QString autostart(const QString &entry = QString()) const;
@@ -226,6 +229,51 @@ void AutostartTest::missingPackageCopiesNothing()
     QVERIFY(QDir(autostart()).isEmpty());
     exitThroughMenu();
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
+}
+
+/// A folder in the entry's place stays with what lies in it, which is what the next start then shows.
+void AutostartTest::entryThatCannotBeRemovedStays()
+{
+    const QString entry = autostart(QStringLiteral("mvsignpaddriver-kylin.desktop"));
+    QVERIFY(QDir().mkpath(entry));
+    QVERIFY(writeFile(entry + QStringLiteral("/notes"), "kept"));
+    QVERIFY(m_desktop->writeSettings({QStringLiteral("AutoLaunch=true")}));
+    QVERIFY(m_desktop->startStatusNotifierHost());
+    QVERIFY(startProgram(QStringLiteral("kylin")));
+    QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
+    QCOMPARE(readFile(entry + QStringLiteral("/notes")), QByteArray("kept"));
+    exitThroughMenu();
+    QVERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
+
+    QVERIFY(startProgram(QStringLiteral("kylin")));
+    const StatusNotifierItem item(m_desktop->busAddress());
+    QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
+    QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, 1);
+    exitThroughMenu();
+}
+
+/// A file in the folder's place stays as it is; the choice is kept in the settings and comes to nothing.
+void AutostartTest::folderThatCannotBeMade()
+{
+    QVERIFY(QDir().mkpath(QFileInfo(autostart()).path()));
+    QVERIFY(writeFile(autostart(), "in the way"));
+    QVERIFY(m_desktop->startStatusNotifierHost());
+    QVERIFY(startProgram(QStringLiteral("kylin")));
+    for (const char *line : {"AutoLaunch=true", "AutoLaunch=false", "AutoLaunch=true"}) {
+        QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
+        QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String(line)), patienceMs);
+        QCOMPARE(readFile(autostart()), QByteArray("in the way"));
+    }
+    exitThroughMenu();
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
+
+    QVERIFY(startProgram(QStringLiteral("kylin")));
+    const StatusNotifierItem item(m_desktop->busAddress());
+    QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
+    QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, 0);
+    exitThroughMenu();
 }
 
 QTEST_GUILESS_MAIN(AutostartTest)
