@@ -1,5 +1,6 @@
-// A pad library that does one thing: its Clear shows a window of its own for half a second.
+// A pad library that does one thing: its Clear shows a window of its own, or closes the one that shows.
 #include <QApplication>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -14,10 +15,14 @@ EXPORTED void MVAlder_Clear(int)
 {
     // The caller is the service thread; windows belong to the main thread.
     QTimer::singleShot(0, qApp, [] {
-        auto *const window = new QWidget;
+        static QPointer<QWidget> window;
+        if (window) {
+            window->close();
+            return;
+        }
+        window = new QWidget;
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->resize(200, 100);
         window->show();
-        QTimer::singleShot(500, window, &QWidget::close);
     });
 }

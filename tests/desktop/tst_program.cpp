@@ -2,6 +2,7 @@
 #include "tests/desktop/DesktopSession.h"
 #include "tests/desktop/TrayProgram.h"
 #include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/LogFiles.h"
 #include "tests/unit/support/Replies.h"
 #include "tests/unit/support/SignClient.h"
 
@@ -10,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QTcpSocket>
 #include <QTest>
 
 namespace {
@@ -17,17 +19,6 @@ namespace {
 const int startEntry = 0;
 const int exitEntry = 2;
 const char size[] = R"({"API":"GetSize","Result":"0"})";
-
-/// What is known of the two log files, to see that a run leaves them alone.
-QStringList logFiles()
-{
-    QStringList files;
-    for (const char *path : {"/tmp/mvsignpadsdk_wssvr.log", "/tmp/mvsignpadsdk_wssvr_inthread.log"}) {
-        const QFileInfo file(QString::fromLatin1(path));
-        files.append(file.exists() ? file.lastModified().toString(Qt::ISODateWithMs) : QString());
-    }
-    return files;
-}
 
 } // namespace
 
@@ -59,6 +50,10 @@ private Q_SLOTS:
     void withoutASessionBus();
 
 private:
+    /// Has the program write its log from its next start on.
+    void switchLogOn();
+    /// How often a service was started according to the log: it tells that at once, a port opens a moment later.
+    static int startsOfAService();
     bool start(const QStringList &settings);
     bool startWithService() { return start({QStringLiteral("StartWebService=true")}); }
     void exitThroughMenu();
@@ -68,12 +63,11 @@ private:
     std::unique_ptr<DesktopSession> m_desktop;
     std::unique_ptr<TrayProgram> m_program;
     quint16 m_port = 0;
-    QStringList m_logFiles;
+    bool m_writesLog = false;
 };
 
 void ProgramTest::initTestCase()
 {
-    m_logFiles = logFiles();
     m_desktop.reset(new DesktopSession);
     QVERIFY(m_desktop->isUsable());
     QVERIFY(m_desktop->startTrayer());
@@ -83,6 +77,7 @@ void ProgramTest::init()
 {
     QDir(m_desktop->home() + QStringLiteral("/.config/mvsignpadsdk")).removeRecursively();
     m_port = freePort();
+    m_writesLog = false;
     m_program.reset(new TrayProgram(*m_desktop));
 }
 
@@ -90,12 +85,26 @@ void ProgramTest::cleanup()
 {
     m_program.reset();
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
+    QCOMPARE(QFile::exists(mainLog()) || QFile::exists(threadLog()), m_writesLog);
+    removeLogs();
 }
 
 void ProgramTest::cleanupTestCase()
 {
     m_desktop.reset();
-    QCOMPARE(logFiles(), m_logFiles);
+}
+
+void ProgramTest::switchLogOn()
+{
+    QProcessEnvironment environment = m_desktop->environment();
+    environment.insert(QStringLiteral("MVSIGNPAD_LOG"), QStringLiteral("1"));
+    m_program->process().setProcessEnvironment(environment);
+    m_writesLog = true;
+}
+
+int ProgramTest::startsOfAService()
+{
+    return maskedLines(threadLog()).filter(QStringLiteral("[WebSocketThread::WebSocketThread()]:<N>-Enter")).size();
 }
 
 bool ProgramTest::start(const QStringList &settings)
@@ -124,9 +133,10 @@ QString ProgramTest::copyOfTheProgram(const QTemporaryDir &directory) const
 
 void ProgramTest::firstRunStartsNoService()
 {
+    switchLogOn();
     QVERIFY(m_program->start());
     QVERIFY(m_desktop->waitForIcon());
-    QVERIFY(TrayProgram::waitForSilence(8089));
+    QCOMPARE(startsOfAService(), 0);
     QVERIFY(!QFile::exists(m_desktop->settingsFile()));
     exitThroughMenu();
     QStringList lines;
@@ -231,11 +241,13 @@ void ProgramTest::abruptDisconnects()
 
 void ProgramTest::startAndStopThroughTheMenu()
 {
+    switchLogOn();
     QVERIFY(start({}));
-    QVERIFY(TrayProgram::waitForSilence(m_port));
     for (int round = 0; round < 2; ++round) {
+        QCOMPARE(startsOfAService(), round);
         QVERIFY(m_desktop->chooseMenuEntry(startEntry));
         QVERIFY(TrayProgram::waitForListening(m_port));
+        QCOMPARE(startsOfAService(), round + 1);
         QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")),
                                  patienceMs);
         SignClient client;
@@ -294,9 +306,10 @@ void ProgramTest::exitWritesTheSettings()
 
 void ProgramTest::exitWithoutService()
 {
+    switchLogOn();
     QVERIFY(start({QStringLiteral("StartWebServiceWithSSL=true")}));
-    QVERIFY(TrayProgram::waitForSilence(m_port));
     exitThroughMenu();
+    QCOMPARE(startsOfAService(), 0);
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")));
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebServiceWithSSL=true")));
 }
@@ -305,9 +318,18 @@ void ProgramTest::portInUse()
 {
     std::unique_ptr<QTcpServer> holder(new QTcpServer);
     QVERIFY(holder->listen(QHostAddress::Any, m_port));
+    switchLogOn();
     QVERIFY(startWithService());
-    QTest::qWait(300);
-    QVERIFY(!holder->hasPendingConnections());
+    const QString tried = logLine("WebSocketThread::run()", "b4 call exec()...");
+    QTRY_VERIFY_WITH_TIMEOUT(maskedLines(threadLog()).contains(tried), patienceMs);
+    // Two servers at one port would share its clients.
+    for (int client = 0; client < 16; ++client) {
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress(QHostAddress::LocalHost), m_port);
+        QVERIFY(socket.waitForConnected(patienceMs));
+        QVERIFY(holder->hasPendingConnections() || holder->waitForNewConnection(patienceMs));
+        delete holder->nextPendingConnection();
+    }
     QVERIFY(m_program->isRunning());
 
     // Stopped, and started again once the port is free.
@@ -330,7 +352,7 @@ void ProgramTest::secondCopy()
 
     TrayProgram second(*m_desktop);
     QVERIFY(second.start());
-    QVERIFY(second.waitForEnd(5000));
+    QVERIFY(second.waitForEnd());
     QCOMPARE(second.exitStatus(), 1);
     QCOMPARE(second.output(), QByteArray());
 
@@ -354,7 +376,7 @@ void ProgramTest::anotherProcessWithTheNameInItsCommandLine()
     editor.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("read end"), notes});
     QVERIFY(editor.waitForStarted());
     QVERIFY(m_program->start());
-    QVERIFY(m_program->waitForEnd(5000));
+    QVERIFY(m_program->waitForEnd());
     QCOMPARE(m_program->exitStatus(), 1);
     QCOMPARE(m_program->output(), QByteArray());
     QVERIFY(!QFile::exists(m_desktop->settingsFile()));
@@ -378,7 +400,7 @@ void ProgramTest::workingDirectoryIsTheProgramsOwn()
 
 void ProgramTest::closingAnotherWindowEndsNothing()
 {
-    // A library whose Clear shows a window for half a second, as a software pad may do.
+    // A library whose Clear shows a window and closes it the next time, as a software pad may do.
     const QTemporaryDir directory;
     const QString program = copyOfTheProgram(directory);
     QVERIFY(!program.isEmpty());
@@ -394,8 +416,12 @@ void ProgramTest::closingAnotherWindowEndsNothing()
     const int windows = m_desktop->visibleWindows().size();
     QCOMPARE(client.command(QStringLiteral("Clear")), QStringLiteral(R"({"API":"Clear","Result":"0"})"));
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->visibleWindows().size() > windows, patienceMs);
+    QCOMPARE(client.command(QStringLiteral("Clear")), QStringLiteral(R"({"API":"Clear","Result":"0"})"));
     QTRY_COMPARE_WITH_TIMEOUT(m_desktop->visibleWindows().size(), windows, patienceMs);
-    QTest::qWait(500);
+    // The menu comes up only after the main thread has gone on from there.
+    const MenuPicture menu = m_desktop->openMenu();
+    QVERIFY(menu.window != 0);
+    QVERIFY(m_desktop->closeMenu(menu));
     QVERIFY(m_program->isRunning());
     QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
     exitThroughMenu();
