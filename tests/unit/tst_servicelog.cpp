@@ -7,6 +7,7 @@
 #include "tests/unit/support/SignClient.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
 
@@ -30,8 +31,8 @@ private Q_SLOTS:
     void commandWithParameters();
     void unknownCommandHasNoName();
     void binaryMessage();
-    void commandNames_data();
-    void commandNames();
+    void commands_data();
+    void commands();
     void keyEvents();
     void images();
     void callbacksWithoutAService();
@@ -202,64 +203,81 @@ void ServiceLogTest::binaryMessage()
     QCOMPARE(m_client->binaryRequest("abc"), QByteArray("abc"));
     QCOMPARE(m_client->binaryRequest(QByteArray(1000, 'x')), QByteArray(1000, 'x'));
     const char tag[] = "WebSocketService::processBinaryMessage()";
-    const QStringList lines = maskedLines(threadLog()).filter(QLatin1String(tag));
+    // The tick and the message are cut at 255 bytes together.
+    const QString tick = loggedLines(threadLog())
+                             .filter(QLatin1String(tag))
+                             .value(2)
+                             .section(QRegularExpression(QStringLiteral("[<>]")), 1, 1);
+    const QString cut = QStringLiteral("Enter, message=") + QString(237 - tick.size(), QLatin1Char('x'));
     compareLines(
-        {logLine(tag, "Enter, message=abc"), logLine(tag, "Leave !"), lines.value(2), logLine(tag, "Leave !")});
-    QVERIFY(
-        lines.value(2).startsWith(QLatin1String("[WebSocketService::processBinaryMessage()]:<N>-Enter, message=xxx")));
+        {logLine(tag, "Enter, message=abc"), logLine(tag, "Leave !"), logLine(tag, cut), logLine(tag, "Leave !")});
 }
 
-void ServiceLogTest::commandNames_data()
+void ServiceLogTest::commands_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("logged");
+    QTest::addColumn<bool>("takesParameters");
     const auto row = [](const char *command, const char *logged) {
-        QTest::newRow(command) << QString::fromLatin1(command) << QString::fromLatin1(logged);
+        QTest::newRow(command) << QString::fromLatin1(command) << QString::fromLatin1(logged) << false;
+    };
+    const auto rowWithParameters = [](const char *command, const char *logged) {
+        QTest::newRow(command) << QString::fromLatin1(command) << QString::fromLatin1(logged) << true;
     };
     row("Clear", "CLEAR");
     row("CloseLCD", "CLOSELCD");
     row("Decode?type=&data=", "DECODE");
-    row("DisplayDeviceInfoInLCD?show=1", "DISPLAYDEVICEINFOINLCD");
-    row("Encode?type=1", "ENCODE");
+    rowWithParameters("DisplayDeviceInfoInLCD?show=1", "DISPLAYDEVICEINFOINLCD");
+    rowWithParameters("Encode?type=1", "ENCODE");
     row("GetAboutInfo", "GETABOUTINFO");
     row("GetDecodeFilePath", "GETDECODEFILEPATH");
     row("GetDeviceConfirmOrCancelKeyStatus", "GETDEVICECONFIRMORCANCELKEYSTATUS");
-    row("GetDeviceInfo?type=1", "GETDEVICEINFO");
-    row("GetFingerPrintImage?FPImageOnly=1", "GETFINGERPRINTIMAGE");
+    rowWithParameters("GetDeviceInfo?type=1", "GETDEVICEINFO");
+    rowWithParameters("GetFingerPrintImage?FPImageOnly=1", "GETFINGERPRINTIMAGE");
     row("GetInks", "GETINKS");
     row("GetPointer", "GETPOINTER");
     row("GetSize", "GETSIZE");
-    row("InitialDevice?id=9&width=1&height=1", "INITIALDEVICE");
+    rowWithParameters("InitialDevice?id=9&width=1&height=1", "INITIALDEVICE");
     row("IsValid", "ISVALID");
     row("OpenLCD", "OPENLCD");
     row("PadID", "PADID");
     row("PenID", "PENID");
-    row("SaveDrawingImage?type=1&dpi=1&path=a", "SAVEDRAWINGIMAGE");
-    row("SetClip?width=1&height=1", "SETCLIP");
-    row("SetDisplayedFPImageAt", "SETDISPLAYEDFPIMAGEAT");
-    row("SetPenColor?R=1", "SETPENCOLOR");
-    row("SetPenStyle?Style=1", "SETPENSTYLE");
-    row("SetPenWidth?Width=1", "SETPENWIDTH");
+    rowWithParameters("SaveDrawingImage?type=1&dpi=1&path=a", "SAVEDRAWINGIMAGE");
+    rowWithParameters("SetClip?width=1&height=1", "SETCLIP");
+    rowWithParameters("SetDisplayedFPImageAt", "SETDISPLAYEDFPIMAGEAT");
+    rowWithParameters("SetPenColor?R=1", "SETPENCOLOR");
+    rowWithParameters("SetPenStyle?Style=1", "SETPENSTYLE");
+    rowWithParameters("SetPenWidth?Width=1", "SETPENWIDTH");
     row("UninitialDevice", "UNINITIALDEVICE");
     row("VersionID", "VERSIONID");
-    row("GetWPSSettings?id=1", "GETWPSSETTINGS");
-    row("UpdateWPSSettings", "UPDATEWPSSETTINGS");
-    row("WPSSignConfirmed?id=1", "WPSSIGNCONFIRMED");
+    rowWithParameters("GetWPSSettings?id=1", "GETWPSSETTINGS");
+    rowWithParameters("UpdateWPSSettings", "UPDATEWPSSETTINGS");
+    rowWithParameters("WPSSignConfirmed?id=1", "WPSSIGNCONFIRMED");
     row("WPSGetInks", "WPSGETINKS");
-    row("InitialWPSSignCanvas?width=1&height=1", "INITWPSSIGNCANVAS");
+    rowWithParameters("InitialWPSSignCanvas?width=1&height=1", "INITWPSSIGNCANVAS");
     row("GetSVGImageBase64Data", "GETSVGIMAGEBASE64DATA");
-    row("EnableRealtimeSigningNotification?type=1", "ENABLEREALTIMESIGNINGNOTIFICATION");
+    rowWithParameters("EnableRealtimeSigningNotification?type=1", "ENABLEREALTIMESIGNINGNOTIFICATION");
     row("GetOpaqueInks", "GETOPAQUEINKS");
 }
 
-void ServiceLogTest::commandNames()
+/// The service's own lines for each command; those of the pads and their manager are left to the tests of these.
+void ServiceLogTest::commands()
 {
     QFETCH(QString, command);
     QFETCH(QString, logged);
+    QFETCH(bool, takesParameters);
     QVERIFY(!m_client->command(command).isNull());
     m_service->stop();
-    QCOMPARE(maskedLines(threadLog()).filter(QStringLiteral("Rx Cmd")),
-             QStringList{logLine(dispatcher, QStringLiteral("Rx Cmd: ") + logged)});
+    QStringList inTheDispatcher{logLine(dispatcher, QStringLiteral("Rx Cmd: ") + logged)};
+    if (takesParameters)
+        inTheDispatcher << logLine("WebSocketService::ParseUrlParameters()", "Enter...")
+                        << logLine("WebSocketService::ParseUrlParameters()", "Leave !");
+    const QString request = QStringLiteral("ws://localhost:%1/MVSignSDK/").arg(m_service->port()) + command;
+    const QStringList lines = maskedLines(threadLog());
+    const int begin = lines.indexOf(connectionLines().constLast()) + 1;
+    const int end = lines.indexOf(logLine("WebSocketThread::run()", "after call exec() and Leave !"));
+    QCOMPARE(lines.mid(begin, end - begin).filter(QStringLiteral("[WebSocketService::")),
+             requestLines(request, inTheDispatcher));
 }
 
 /// The callbacks are called on the service's own thread: the lines of two threads may mix.

@@ -49,18 +49,3 @@ QString logLine(const char *tag, const char *message)
 {
     return logLine(tag, QString::fromLatin1(message));
 }
-
-QString flawOfLog(const QString &file, QStringList expected)
-{
-    static const QRegularExpression form(QStringLiteral("^\\[([A-Za-z]+::)?~?[A-Za-z0-9]+\\(\\)\\]:<N>-.*, $"));
-    const QStringList lines = maskedLines(file);
-    for (const QString &line : lines) {
-        if (!form.match(line).hasMatch())
-            return QStringLiteral("this line has another form: ") + line;
-        if (!expected.isEmpty() && line == expected.constFirst())
-            expected.removeFirst();
-    }
-    if (expected.isEmpty())
-        return {};
-    return expected.constFirst() + QStringLiteral("\nis not at its place in:\n") + lines.join(QLatin1Char('\n'));
-}

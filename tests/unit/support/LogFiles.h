@@ -17,7 +17,3 @@ QStringList maskedLines(const QString &file);
 /// A masked line: tag, message, and the comma and blank at its end.
 QString logLine(const char *tag, const QString &message);
 QString logLine(const char *tag, const char *message);
-
-/// Looks for these lines in a file, in this order, others between them allowed, and at the form of every line.
-/// The empty text when all is as it should be, else what is wrong.
-QString flawOfLog(const QString &file, QStringList expected);
