@@ -36,7 +36,8 @@ int RunFirstInstance()
 
     SysTrayMenuMgr manager(nullptr);
     StatusOnBus statusOnBus;
-    QObject::connect(&manager.StatusSource(), &ServiceStatusSource::statusChanged, &statusOnBus, &StatusOnBus::SetServiceStatus);
+    QObject::connect(&manager.StatusSource(), &ServiceStatusSource::statusChanged, &statusOnBus,
+                     &StatusOnBus::SetServiceStatus);
     QObject::connect(&manager, &SysTrayMenuMgr::closed, &QCoreApplication::quit);
     manager.Initialize();
     MV_LOG(tag, "after call SysTrayMenuMgr.Initialize()...");
