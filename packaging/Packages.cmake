@@ -17,6 +17,9 @@ endfunction()
 mvsignpad_compressed(changelog)
 mvsignpad_compressed(mvsignctl.1)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/mvsignctl.1.gz" DESTINATION usr/share/man/man1 COMPONENT mvsignpad)
+mvsignpad_compressed(mvsignctl.zh_CN.1)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/mvsignctl.zh_CN.1.gz" RENAME mvsignctl.1.gz
+        DESTINATION usr/share/man/zh_CN/man1 COMPONENT mvsignpad)
 
 # Every package tells what has changed and who holds the rights.
 foreach(package IN ITEMS mvsignpad mvsignpad-virtual)

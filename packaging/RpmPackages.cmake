@@ -11,9 +11,10 @@ endif()
 
 # Directories that belong to the system.
 set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
-    /opt /usr/share/applications /usr/share/icons /usr/share/icons/hicolor /usr/share/icons/hicolor/48x48
-    /usr/share/icons/hicolor/48x48/apps /usr/share/icons/hicolor/scalable /usr/share/icons/hicolor/scalable/apps
-    /usr/share/lintian /usr/share/lintian/overrides /usr/share/man /usr/share/man/man1)
+    /opt /usr/share/applications /usr/share/bash-completion /usr/share/bash-completion/completions /usr/share/icons
+    /usr/share/icons/hicolor /usr/share/icons/hicolor/48x48 /usr/share/icons/hicolor/48x48/apps /usr/share/icons/hicolor/scalable /usr/share/icons/hicolor/scalable/apps
+    /usr/share/lintian /usr/share/lintian/overrides /usr/share/man /usr/share/man/man1
+    /usr/share/man/zh_CN /usr/share/man/zh_CN/man1)
 
 # The same source makes the same package, whenever and wherever it is built.
 set(CPACK_RPM_SPEC_MORE_DEFINE "%global _buildhost mvsignpad

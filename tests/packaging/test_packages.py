@@ -34,11 +34,12 @@ PROGRAM_FILES = """
 /usr/share/icons/hicolor/scalable/apps/mvsignpadsdk_wssvr.svg
 /usr/share/lintian/overrides/mvsignpad
 /usr/share/man/man1/mvsignctl.1.gz
+/usr/share/man/zh_CN/man1/mvsignctl.1.gz
 """.split()
 VIRTUAL_PAD = "/usr/lib/mvsignpad/virtual/libmvsignpadsdk.so"
 SOME_DOCUMENTS = ["/usr/share/doc/mvsignpad-virtual/" + name for name in (
-    "README.md", "changelog.gz", "copyright", "docs/api.md", "docs/install.md", "web/signpad.js",
-    "web/demo/index.html")]
+    "README.md", "README.zh-CN.md", "changelog.gz", "copyright", "docs/api.md", "docs/install.md", "docs/zh/install.md",
+    "web/signpad.js", "web/demo/index.html")]
 MAKERS_LIBRARY = "/opt/mvsignpad/libmvsignpadsdk.so"
 
 NAMES = {"name": "MVSign Pad Driver", "name[zh_cn]": "Morvane电子签名板驱动程序",
