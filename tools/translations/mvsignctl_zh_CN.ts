@@ -61,11 +61,11 @@
     </message>
     <message>
         <source>pad library</source>
-        <translation>签名板的库</translation>
+        <translation>厂商库</translation>
     </message>
     <message>
         <source>library&apos;s machine</source>
-        <translation>库的机器类型</translation>
+        <translation>库的架构</translation>
     </message>
     <message>
         <source>library&apos;s functions</source>
@@ -101,15 +101,15 @@
     </message>
     <message>
         <source>none, as ListenAddress says; pages come over the other one</source>
-        <translation>按 ListenAddress 的设置无应答；网页经另一种地址连接</translation>
+        <translation>按 ListenAddress 的设置，此处没有应答；网页经另一种地址连接</translation>
     </message>
     <message>
         <source>%1: see the line about the port</source>
-        <translation>%1：请看关于端口的一行</translation>
+        <translation>%1：请看“端口”一行</translation>
     </message>
     <message>
         <source>the service does not know the request: it serves another port, or is another one</source>
-        <translation>服务不认识该请求：它使用另一个端口，或者不是本服务</translation>
+        <translation>服务不认识该请求：它监听的是另一个端口，或者不是本服务</translation>
     </message>
     <message>
         <source>the service answers at %1</source>
@@ -129,7 +129,7 @@
     </message>
     <message>
         <source>does not lead to this machine: put &quot;127.0.0.1 localhost&quot; into /etc/hosts</source>
-        <translation>未指向本机：请在 /etc/hosts 中加入 “127.0.0.1 localhost”</translation>
+        <translation>未指向本机：请在 /etc/hosts 中加入“127.0.0.1 localhost”</translation>
     </message>
     <message>
         <source>this machine has none</source>
@@ -145,7 +145,7 @@
     </message>
     <message>
         <source>%1 is not there: copy the library of the pad&apos;s maker to it</source>
-        <translation>%1 不存在：请把签名板厂商的库复制到此处</translation>
+        <translation>%1 不存在：请把厂商库复制到此处</translation>
     </message>
     <message>
         <source>%1 cannot be read: sudo chmod 644 %1</source>
@@ -161,11 +161,11 @@
     </message>
     <message>
         <source>the library is built for another one: get the one for %1</source>
-        <translation>库是为另一种机器编译的：请换用 %1 的库</translation>
+        <translation>库是为另一种架构构建的：请换用 %1 的库</translation>
     </message>
     <message>
         <source>the library crashes or hangs when it is loaded: get another one</source>
-        <translation>库在加载时崩溃或停住：请换用另一个</translation>
+        <translation>库在加载时崩溃或停住：请换用另一个库</translation>
     </message>
     <message>
         <source>cannot be loaded, install what it needs: %1</source>
@@ -181,7 +181,7 @@
     </message>
     <message>
         <source>nothing on USB could be one: plug it in; lsusb shows what the system sees</source>
-        <translation>USB 上没有像签名板的设备：请插好；lsusb 显示系统看到的设备</translation>
+        <translation>USB 上没有像签名板的设备：请插上签名板；用 lsusb 查看系统识别到的设备</translation>
     </message>
     <message>
         <source>%1 may be one, and the user may open %2</source>
@@ -189,7 +189,7 @@
     </message>
     <message>
         <source>%1 may be one, but the user may not open %2: install the rules that come with the maker&apos;s library, and plug it in again</source>
-        <translation>%1 可能是签名板，但用户无权打开 %2：请安装厂商的库所带的规则，并重新插拔</translation>
+        <translation>%1 可能是签名板，但用户无权打开 %2：请安装厂商库附带的规则，再重新插入</translation>
     </message>
     <message>
         <source>cannot be looked for: install fc-list (package fontconfig)</source>
@@ -205,7 +205,7 @@
     </message>
     <message>
         <source>%1 starts %2, which is not there: install the program, or remove the entry</source>
-        <translation>%1 启动 %2，但它不存在：请安装程序，或删除该启动项</translation>
+        <translation>%1 启动 %2，但后者不存在：请安装程序，或删除该自启动项</translation>
     </message>
     <message>
         <source>by %1</source>
@@ -217,7 +217,7 @@
     </message>
     <message>
         <source>only %1 runs, and serves that user: it must end before the program can start here</source>
-        <translation>只有%1在运行，它为该用户服务：它结束后程序才能在此启动</translation>
+        <translation>只有%1 在运行，为该用户服务：它结束后程序才能在此启动</translation>
     </message>
     <message>
         <source>%1, %2; there is no session bus to ask it more</source>
@@ -225,7 +225,7 @@
     </message>
     <message>
         <source>%1 runs, but not in this session: end it and start it here</source>
-        <translation>%1在运行，但不在本会话中：请结束它，并在此启动</translation>
+        <translation>%1 在运行，但不在本会话中：请结束它，并在此启动</translation>
     </message>
     <message>
         <source>%1, version %2, %3</source>
@@ -237,7 +237,7 @@
     </message>
     <message>
         <source>none, and nothing that looks like one</source>
-        <translation>没有，也没有被误认的进程</translation>
+        <translation>没有，也没有会被误认的进程</translation>
     </message>
     <message>
         <source>end what keeps the program from starting: %1</source>
@@ -253,7 +253,7 @@
     </message>
     <message>
         <source>this desktop has none, and without it the program ends after half a minute: add the tray applet to the panel</source>
-        <translation>此桌面没有托盘，没有托盘时程序半分钟后结束：请给面板添加托盘插件</translation>
+        <translation>此桌面环境没有托盘，程序在半分钟后结束：请给面板添加托盘插件</translation>
     </message>
     <message>
         <source>%1 is missing: install the package mvsignpad again</source>
@@ -261,11 +261,11 @@
     </message>
     <message>
         <source>Qt cannot read it without %1: install Qt&apos;s image formats</source>
-        <translation>缺少 %1，Qt 无法读取图标：请安装 Qt 的图像格式</translation>
+        <translation>缺少 %1，Qt 无法读取图标：请安装 Qt 的图片格式插件</translation>
     </message>
     <message>
         <source>the entry of another desktop lies here, remove it: %1</source>
-        <translation>这里有另一种桌面的启动项，请删除：%1</translation>
+        <translation>这里有另一种桌面环境的自启动项，请删除：%1</translation>
     </message>
     <message>
         <source>not asked for</source>
@@ -273,7 +273,7 @@
     </message>
     <message>
         <source>this desktop (%1) has no entry of its own: copy %2 to %3</source>
-        <translation>此桌面（%1）没有自己的启动项：请把 %2 复制到 %3</translation>
+        <translation>此桌面环境（%1）没有自己的桌面项：请把 %2 复制到 %3</translation>
     </message>
     <message>
         <source>was chosen, but %1 is not there: choose it again in the tray menu</source>
@@ -297,15 +297,15 @@
     </message>
     <message>
         <source>correct what keeps the service closed: %1</source>
-        <translation>请更正使服务关闭的设置：%1</translation>
+        <translation>请更正使服务不开放的设置：%1</translation>
     </message>
     <message>
         <source>who reaches %1</source>
-        <translation>能访问 %1 的</translation>
+        <translation>能访问 %1 的客户端</translation>
     </message>
     <message>
         <source>every machine that reaches the port</source>
-        <translation>能访问该端口的所有机器</translation>
+        <translation>能访问该端口的所有计算机</translation>
     </message>
     <message>
         <source>every page</source>
@@ -321,7 +321,7 @@
     </message>
     <message>
         <source>programs that name an origin</source>
-        <translation>给出来源的程序</translation>
+        <translation>说明来源的程序</translation>
     </message>
     <message>
         <source>every program</source>
@@ -337,7 +337,7 @@
     </message>
     <message>
         <source>what answers at %1 is not the signature pad service</source>
-        <translation>%1 的应答者不是签名板服务</translation>
+        <translation>在 %1 应答的不是签名板服务</translation>
     </message>
     <message>
         <source>%1: complete</source>
@@ -345,7 +345,7 @@
     </message>
     <message>
         <source>%1: not in it</source>
-        <translation>%1：不包含</translation>
+        <translation>%1：库中没有</translation>
     </message>
     <message>
         <source>%1: lacks %2</source>
@@ -377,7 +377,7 @@
     </message>
     <message>
         <source>Print the commands with their keys.</source>
-        <translation>显示命令及其参数名。</translation>
+        <translation>列出各个命令及其键。</translation>
     </message>
     <message>
         <source>Print this help.</source>
@@ -388,10 +388,10 @@
 Exit status: 0 a result, 1 the service calls the request invalid, 2 no connection, no answer or wrong usage.
 
 In place of a request:</source>
-        <translation>向签名板服务发送一个请求，并显示结果。
+        <translation>向签名板服务发送一条请求，并显示结果。
 退出状态：0 有结果，1 服务认为请求无效，2 无连接、无应答或用法错误。
 
-除请求外还可以：</translation>
+请求的位置上也可以是：</translation>
     </message>
     <message>
         <source>The command, for example SetPenColor.</source>
@@ -399,7 +399,7 @@ In place of a request:</source>
     </message>
     <message>
         <source>Its parameters, for example R=255.</source>
-        <translation>参数，例如 R=255。</translation>
+        <translation>命令的参数，例如 R=255。</translation>
     </message>
     <message>
         <source>no command given</source>
@@ -423,7 +423,7 @@ In place of a request:</source>
     </message>
     <message>
         <source>neither .png nor .svg nor .json: %1</source>
-        <translation>不是 .png、.svg 或 .json：%1</translation>
+        <translation>既不是 .png、.svg，也不是 .json：%1</translation>
     </message>
     <message>
         <source>there is nothing on the pad, or no pad</source>
@@ -435,7 +435,7 @@ In place of a request:</source>
     </message>
     <message>
         <source>neither on nor off: %1</source>
-        <translation>不是 on 或 off：%1</translation>
+        <translation>既不是 on，也不是 off：%1</translation>
     </message>
     <message>
         <source>what the running program says of itself</source>
@@ -459,7 +459,7 @@ In place of a request:</source>
     </message>
     <message>
         <source>which functions of each model a pad library has</source>
-        <translation>显示签名板的库含有各型号的哪些函数</translation>
+        <translation>显示签名板的库有各个型号的哪些函数</translation>
     </message>
     <message>
         <source>%1 (see mvsignctl --help)</source>
