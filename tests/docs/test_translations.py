@@ -6,7 +6,7 @@ import tempfile
 import unittest
 
 from documents import cells
-from translations import PAIRS, ROOT, Pair, accept, digest
+from translations import MANUALS, PAIRS, ROOT, Pair, accept, digest, manual_differences
 
 ENGLISH = """# Title
 
@@ -96,15 +96,62 @@ class Checked(unittest.TestCase):
         self.assertNotEqual(self.differences(stale=True), [])
 
     def test_accepting_marks_a_translation_as_current(self):
-        for line in (f"<!-- translates: docs/install.md {'0' * 16} -->\n", ""):
-            with self.subTest(line), tempfile.TemporaryDirectory() as folder:
-                root = pathlib.Path(folder)
-                (root / "one.md").write_text("# Title\n\nText\n", encoding="utf-8")
-                (root / "other.md").write_text(f"# 标题\n{line}\n文字\n", encoding="utf-8")
-                accept("one.md", "other.md", root)
-                self.assertEqual((root / "other.md").read_text(encoding="utf-8"),
-                                 "# 标题\n<!-- translates: one.md 594f76ae6a9c8fe6 -->\n\n文字\n")
-                self.assertEqual(Pair("one.md", "other.md", root, {"one.md": "other.md"}).differences(), [])
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder)
+            (root / "one.md").write_text("# Title\n\nText\n", encoding="utf-8")
+            (root / "other.md").write_text(f"# 标题\n<!-- translates: one.md {'0' * 16} -->\n\n文字\n", encoding="utf-8")
+            pair = Pair("one.md", "other.md", root, {"one.md": "other.md"})
+            self.assertEqual(len(pair.differences()), 1)
+            accept("one.md", "other.md", root)
+            self.assertEqual((root / "other.md").read_text(encoding="utf-8"),
+                             "# 标题\n<!-- translates: one.md 594f76ae6a9c8fe6 -->\n\n文字\n")
+            self.assertEqual(pair.differences(), [])
+
+
+ENGLISH_MANUAL = r""".TH NAME 1 "" "name" "User Commands"
+.SH OPTIONS
+.TP
+.BI \-\-host " H"
+Host of the service, see
+.BR name (7).
+.SH EXAMPLES
+.nf
+name \-\-host here
+.fi
+"""
+CHINESE_MANUAL = r""".\" translates: name.1 DIGEST
+.TH NAME 1 "" "name" "用户命令"
+.SH 选项
+.TP
+.BI \-\-host " H"
+服务的主机，见
+.BR name （7）。
+.SH 示例
+.nf
+name \-\-host here
+.fi
+"""
+
+
+class CheckedManuals(unittest.TestCase):
+    def differences(self, chinese):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder)
+            (root / "name.1").write_text(ENGLISH_MANUAL, encoding="utf-8")
+            (root / "name.zh.1").write_text(chinese.replace("DIGEST", digest(root / "name.1")), encoding="utf-8")
+            return manual_differences("name.1", "name.zh.1", root)
+
+    def test_equal_pages_differ_in_nothing(self):
+        self.assertEqual(self.differences(CHINESE_MANUAL), [])
+
+    def test_each_change_of_one_alone_is_seen(self):
+        changes = {"a section": (".SH 示例\n", ""), "an option": (r".BI \-\-host", r".BI \-\-hast"),
+                   "its value": ('" H"', '" N"'), "a macro": (".BI", ".BR"), "a paragraph": (".TP\n", ""),
+                   "an example": ("host here", "host there"), "the text": ("DIGEST", "0" * 16)}
+        for what, (before, after) in changes.items():
+            with self.subTest(what):
+                self.assertIn(before, CHINESE_MANUAL)
+                self.assertNotEqual(self.differences(CHINESE_MANUAL.replace(before, after)), [])
 
 
 class Documents(unittest.TestCase):
@@ -112,6 +159,12 @@ class Documents(unittest.TestCase):
         for original, translation in PAIRS.items():
             with self.subTest(translation):
                 found = Pair(original, translation).differences()
+                self.assertEqual(found, [], "\n" + "\n".join(found))
+
+    def test_each_manual_has_the_requests_of_its_original(self):
+        for original, translation in MANUALS.items():
+            with self.subTest(translation):
+                found = manual_differences(original, translation)
                 self.assertEqual(found, [], "\n" + "\n".join(found))
 
     def test_readmes_lead_to_each_other_in_their_first_line(self):
@@ -131,7 +184,7 @@ class Terms(unittest.TestCase):
     def chinese_texts(self):
         paths = [ROOT / name for name in PAIRS.values()]
         paths += [ROOT / "web/demo/texts.js", *sorted((ROOT / "tools").rglob("*.ts")),
-                  *sorted((ROOT / "packaging").glob("*zh_CN*"))]
+                  *(ROOT / name for name in MANUALS.values())]
         return {path: path.read_text(encoding="utf-8") for path in paths}
 
     def test_no_text_uses_another_word(self):

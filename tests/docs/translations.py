@@ -6,10 +6,12 @@
 writes into the translation of each of them that it says what the document says now. Run it once it does.
 """
 import argparse
+import difflib
 import hashlib
 import os
 import pathlib
 import re
+import shlex
 
 from documents import Document
 
@@ -24,8 +26,9 @@ PAIRS = {
     "docs/security.md": "docs/zh/security.md",
     "docs/virtual-pad.md": "docs/zh/virtual-pad.md",
 }
+MANUALS = {"packaging/mvsignctl.1": "packaging/mvsignctl.zh_CN.1"}
 
-STATE = re.compile(r"<!-- translates: (\S+) ([0-9a-f]{16}) -->")
+STATE = re.compile(r"translates: \S+ [0-9a-f]{16}")
 
 
 def digest(path):
@@ -34,16 +37,24 @@ def digest(path):
 
 
 def state_of(original, root=ROOT):
-    return f"<!-- translates: {original} {digest(root / original)} -->"
+    return f"translates: {original} {digest(root / original)}"
 
 
 def accept(original, translation, root=ROOT):
-    """Renews the line that names the original's digest; a translation without one gets it below its title."""
+    """Renews the comment in which the translation names the original and its digest."""
     path = root / translation
-    text = path.read_text(encoding="utf-8")
-    state = state_of(original, root)
-    renewed, count = STATE.subn(state, text)
-    path.write_text(renewed if count else re.sub(r"(?m)^# .*\n", rf"\g<0>{state}\n", text, count=1), encoding="utf-8")
+    text, count = STATE.subn(state_of(original, root), path.read_text(encoding="utf-8"))
+    if count != 1:
+        raise SystemExit(f"{translation}: no comment of the form \"{state_of(original, root)}\"")
+    path.write_text(text, encoding="utf-8")
+
+
+def stale(original, translation, root=ROOT):
+    match = STATE.search((root / translation).read_text(encoding="utf-8"))
+    if match and match.group(0) == state_of(original, root):
+        return []
+    return [f"{original} has changed since. Change the translation likewise, then run: "
+            f"tests/docs/translations.py --accept {original}"]
 
 
 class Pair:
@@ -57,20 +68,13 @@ class Pair:
         self.translation = Document(root / translation)
 
     def differences(self):
-        found = self._headings() + self._state()
+        found = self._headings() + stale(*self.names, self.root)
         if not found:
             found = self._code() + self._tables() + self._spans() + self._links()
         return [f"{self.names[1]}: {text}" for text in found]
 
     def _section(self, number):
         return self.original.headings[number - 1][1] if number else "the beginning"
-
-    def _state(self):
-        match = STATE.search((self.root / self.names[1]).read_text(encoding="utf-8"))
-        if match and match.group(0) == state_of(self.names[0], self.root):
-            return []
-        return [f"{self.names[0]} has changed since. Change the translation likewise, then run: "
-                f"tests/docs/translations.py --accept {self.names[0]}"]
 
     def _headings(self):
         one, other = ([level for level, _ in document.headings] for document in (self.original, self.translation))
@@ -129,11 +133,44 @@ class Pair:
         return "://" in place or ((self.root / place).exists() and not isinstance(anchor, str))
 
 
+class Manual:
+    """What a translation of a manual page has in common with it: its requests with the words that are no prose."""
+
+    PROSE = {".SH": 0, ".TH": 4}  # the arguments of these, up to that number, are the same in each language
+
+    def __init__(self, path):
+        self.requests = []
+        verbatim = False
+        for line in path.read_text(encoding="utf-8").splitlines():
+            if line.startswith((".nf", ".fi")):
+                verbatim = line.startswith(".nf")
+            if line.startswith((".\\\"", "'", ".ad ")):  # comments, and how text without blanks is filled
+                continue
+            if line.startswith("."):
+                self.requests.append(self._request(line))
+            elif verbatim:
+                self.requests.append(line)
+
+    @classmethod
+    def _request(cls, line):
+        name, *arguments = shlex.split(line.replace("\\-", "-").replace("\\c", ""))
+        words = re.findall(r"[\w./=-]*[A-Za-z0-9][\w./=-]*", " ".join(arguments[:cls.PROSE.get(name)]), re.ASCII)
+        return [name, *words]
+
+
+def manual_differences(original, translation, root=ROOT):
+    one, other = Manual(root / original).requests, Manual(root / translation).requests
+    lines = difflib.unified_diff([str(line) for line in one], [str(line) for line in other], original, translation,
+                                 lineterm="")
+    return stale(original, translation, root) + list(lines)
+
+
 def main():
+    pairs = {**PAIRS, **MANUALS}
     parser = argparse.ArgumentParser(description="Marks translations as saying what their documents say.")
-    parser.add_argument("--accept", nargs="+", required=True, choices=PAIRS, metavar="DOCUMENT")
+    parser.add_argument("--accept", nargs="+", required=True, choices=pairs, metavar="DOCUMENT")
     for original in parser.parse_args().accept:
-        accept(original, PAIRS[original])
+        accept(original, pairs[original])
 
 
 if __name__ == "__main__":
