@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QTest>
 #include <QWebSocket>
 #include <QWebSocketServer>
@@ -48,6 +49,7 @@ private Q_SLOTS:
     void pushes();
     void wrongUsage_data();
     void wrongUsage();
+    void helpInChinese();
     void translationIsComplete();
 
 private:
@@ -342,6 +344,23 @@ void SubcommandsTest::wrongUsage()
     QVERIFY2(outcome.errors.startsWith(QLatin1String("mvsignctl: "))
                  && outcome.errors.contains(QLatin1String("--help")),
              qPrintable(outcome.errors));
+}
+
+/// Every line, those of Qt among them.
+void SubcommandsTest::helpInChinese()
+{
+    QProcessEnvironment environment = m_desktop->environment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("zh_CN.UTF-8"));
+    QProcess client;
+    client.setProcessEnvironment(environment);
+    client.start(QStringLiteral(MVSIGNCTL), {QStringLiteral("--help")});
+    QVERIFY(client.waitForFinished(patienceMs));
+    const QStringList lines = QString::fromUtf8(client.readAllStandardOutput()).split(QLatin1Char('\n'));
+    QVERIFY(lines.size() > 15);
+    QVERIFY2(lines.first().startsWith(QStringLiteral("用法：")), qPrintable(lines.first()));
+    const QRegularExpression chinese(QStringLiteral("\\p{Han}"));
+    for (const QString &line : lines)
+        QVERIFY2(line.isEmpty() || chinese.match(line).hasMatch(), qPrintable(line));
 }
 
 /// Every text of the program has its Chinese, and there is none for a text that is gone.
