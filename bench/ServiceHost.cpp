@@ -2,7 +2,7 @@
 
 #include "base/RuntimeSettings.h"
 #include "bench/Work.h"
-#include "service/WebSocketService.h"
+#include "service/PushCallbacks.h"
 #include "service/WebSocketThread.h"
 
 #include <QGuiApplication>

@@ -2,6 +2,7 @@
 
 #include "device/SignObjManager.h"
 #include "service/CommandTable.h"
+#include "service/PushCallbacks.h"
 #include "service/UrlParameters.h"
 #include "service/WebSocketService.h"
 
@@ -162,7 +163,7 @@ Reply WPSSignConfirmed(WebSocketService &service, const Command &command, const 
 
 Reply EnableRealtimeSigningNotification(WebSocketService &service, const Command &command, const QString &strMsg)
 {
-    service.ReceivePushes(); // before any check, on purpose: a rejected request has this effect too
+    ReceivePushes(service); // before any check, on purpose: a rejected request has this effect too
     const std::optional<QStringList> values = Values(command, strMsg);
     SignObjManager *const manager = service.Manager();
     if (!values || !manager)

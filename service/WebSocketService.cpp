@@ -8,12 +8,11 @@
 #include "sdk/SdkNumbers.h"
 #include "service/ClientConnections.h"
 #include "service/CommandTable.h"
+#include "service/PushCallbacks.h"
 #include "service/RunCommand.h"
+#include "service/ServiceStatusSource.h"
 
 #include <QHostAddress>
-#include <QMetaObject>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QTcpServer>
 #include <QTimer>
 #include <QWebSocket>
@@ -21,15 +20,9 @@
 #include <QWebSocketServer>
 
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
-WebSocketService *g_pWebSocketService = nullptr;
-
 namespace {
-
-/// Guards g_pWebSocketService: a callback on another thread must not meet a service that is being destroyed.
-QBasicMutex pushTargetMutex;
 
 /// Bytes that hold the reply of most commands.
 constexpr int nSmallReply = 128;
@@ -39,12 +32,6 @@ constexpr quint64 nLongestMessage = 1000000000;
 
 /// How long the changes of the status are gathered.
 constexpr int nStatusDelayMs = 100;
-
-/// Empty when the text is too long to work with, null for null.
-QByteArray CopyOf(const char *szText)
-{
-    return !szText || std::strlen(szText) <= nMostTextUnits ? QByteArray(szText) : QByteArray("");
-}
 
 /// In UTF-8, as it is sent.
 QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
@@ -61,10 +48,12 @@ QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
 
 } // namespace
 
-WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy accessPolicy)
+WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy accessPolicy,
+                                   ServiceStatusSource *pStatusSource)
     : QObject(parent), m_pWebSocketServer(new QWebSocketServer(QStringLiteral("MVSignPadSDK - WebSocketServer"),
                                                                QWebSocketServer::NonSecureMode, this)),
-      m_nPort(port), m_accessPolicy(std::move(accessPolicy)), m_pStatusTimer(new QTimer(this))
+      m_nPort(port), m_accessPolicy(std::move(accessPolicy)), m_pStatusTimer(new QTimer(this)),
+      m_pStatusSource(pStatusSource)
 {
     static const char tag[] = "WebSocketService::WebSocketService()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, m_nPort=%d", m_nPort);
@@ -91,11 +80,7 @@ WebSocketService::~WebSocketService()
 {
     static const char tag[] = "WebSocketService::~WebSocketService()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    {
-        QMutexLocker lock(&pushTargetMutex);
-        if (g_pWebSocketService == this)
-            g_pWebSocketService = nullptr;
-    }
+    EndPushes(*this);
     for (QWebSocket *pClient : qAsConst(m_clients)) {
         pClient->disconnect(this); // closing it would otherwise edit the list that is being walked
         delete pClient;
@@ -142,6 +127,8 @@ void WebSocketService::NoteListening(bool bListening)
 
 void WebSocketService::TellStatus()
 {
+    if (!m_pStatusSource)
+        return;
     ServiceStatus status = m_status;
     status.clients.reserve(m_clients.size());
     for (const QWebSocket *pClient : qAsConst(m_clients))
@@ -150,7 +137,7 @@ void WebSocketService::TellStatus()
              QStringLiteral("%1 %2").arg(pClient->peerAddress().toString()).arg(pClient->peerPort())});
     if (m_pSignObjMgr)
         status.pad = m_pSignObjMgr->Status();
-    Q_EMIT statusChanged(status);
+    Q_EMIT m_pStatusSource->statusChanged(status);
 }
 
 void WebSocketService::TellStatusSoon()
@@ -259,12 +246,6 @@ QByteArray WebSocketService::ProcessMVSignSDKWebSocketAPICommand(const QString &
     return ReplyEnvelope(strAPI, strResult);
 }
 
-void WebSocketService::ReceivePushes()
-{
-    QMutexLocker lock(&pushTargetMutex);
-    g_pWebSocketService = this;
-}
-
 void WebSocketService::ProcessSignPadEvent(int nEventID)
 {
     static const char tag[] = "WebSocketService::ProcessSignPadEvent()";
@@ -298,30 +279,4 @@ void WebSocketService::SendToAllClients(const QByteArray &responseMsg, const cha
         m_pConnections->SendPush(pClient, responseMsg);
         MV_LOG_INSIDE_THREAD(tag, "after call pClient->sendTextMessage(strResponseMsg), i = %d", i);
     }
-}
-
-void WebSocketServiceSignPadEventCallback(int nEventID)
-{
-    static const char tag[] = "WebSocketServiceSignPadEventCallback()";
-    MV_LOG_INSIDE_THREAD(tag, "Enter, nEventID=%d", nEventID);
-    {
-        QMutexLocker lock(&pushTargetMutex);
-        if (g_pWebSocketService)
-            QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignPadEvent", Qt::QueuedConnection,
-                                      Q_ARG(int, nEventID));
-    }
-    MV_LOG_INSIDE_THREAD(tag, "Leave !");
-}
-
-void WebSocketServiceSignBase64DataCallback(char *pData)
-{
-    static const char tag[] = "WebSocketServiceSignBase64DataCallback()";
-    MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    {
-        QMutexLocker lock(&pushTargetMutex);
-        if (g_pWebSocketService)
-            QMetaObject::invokeMethod(g_pWebSocketService, "ProcessSignBase64Data", Qt::QueuedConnection,
-                                      Q_ARG(QByteArray, CopyOf(pData)));
-    }
-    MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }

@@ -17,6 +17,7 @@ class QWebSocket;
 class QWebSocketCorsAuthenticator;
 class QTimer;
 class QWebSocketServer;
+class ServiceStatusSource;
 class SignObjManager;
 
 /// The WebSocket server: takes each request of its clients through the command table to the pad and replies to the
@@ -27,7 +28,9 @@ class WebSocketService : public QObject
 
 public:
     /// Listens where the policy says. When the port cannot be had the object exists, but serves nobody.
-    explicit WebSocketService(quint16 port, QObject *parent = nullptr, AccessPolicy accessPolicy = {});
+    /// The status source, which the caller keeps, outlives the service; it may be null.
+    explicit WebSocketService(quint16 port, QObject *parent = nullptr, AccessPolicy accessPolicy = {},
+                              ServiceStatusSource *pStatusSource = nullptr);
     /// Deletes the clients first, then the manager, which closes the pad, then stops listening.
     ~WebSocketService() override;
 
@@ -35,21 +38,16 @@ public:
     SignObjManager *Manager() const { return m_pSignObjMgr.get(); }
     _STRUCT_WPS_SETTINGS_INIDATA &WPSSettings() { return m_WPSSettings; }
 
-    /// Makes this the service that the device callbacks below push through, until it is destroyed. Any thread.
-    void ReceivePushes();
-
     /// Sends a key event to every client, in the order in which they connected.
     Q_INVOKABLE void ProcessSignPadEvent(int nEventID);
     /// Sends a picture in base64 to every client, in the order in which they connected; nothing when it is null.
     Q_INVOKABLE void ProcessSignBase64Data(const QByteArray &data);
 
-    /// Reports the service as it is now.
+    /// Has the status source tell of the service as it is now.
     void TellStatus();
 
 Q_SIGNALS:
     void closed();
-    /// Soon after every change, but not for each of many.
-    void statusChanged(const ServiceStatus &status);
 
 private Q_SLOTS:
     void onNewConnection();
@@ -60,6 +58,7 @@ private Q_SLOTS:
 private:
     bool Listen();
     void NoteListening(bool bListening);
+    /// After a change, but not for each of many.
     void TellStatusSoon();
     void CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const;
     void SetupMVSignPadSDKAPINameList();
@@ -77,13 +76,6 @@ private:
     QStringList m_APINameList;
     ServiceStatus m_status; // but for what changes while it listens
     QTimer *m_pStatusTimer; // child
+    ServiceStatusSource *m_pStatusSource;
     std::unique_ptr<SignObjManager> m_pSignObjMgr;
 };
-
-/// The service that device callbacks push through; null when there is none.
-extern WebSocketService *g_pWebSocketService;
-
-/// Callbacks for the device layer, from any thread: the push is handed to the service thread and sent from there, in
-/// the order of the calls. The text is copied before the call returns. Without a service they do nothing.
-void WebSocketServiceSignPadEventCallback(int nEventID);
-void WebSocketServiceSignBase64DataCallback(char *pData);

@@ -22,8 +22,10 @@ void StopTimers(QObject *pObject)
 
 } // namespace
 
-WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy)
-    : QThread(parent), m_nWebSocketPort(nWebSocketPort), m_accessPolicy(std::move(accessPolicy))
+WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy,
+                                 ServiceStatusSource *pStatusSource)
+    : QThread(parent), m_nWebSocketPort(nWebSocketPort), m_accessPolicy(std::move(accessPolicy)),
+      m_pStatusSource(pStatusSource)
 {
     static const char tag[] = "WebSocketThread::WebSocketThread()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, nWebSocketPort=%d", nWebSocketPort);
@@ -45,10 +47,8 @@ void WebSocketThread::run()
 {
     static const char tag[] = "WebSocketThread::run()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
-    m_pWebSocketService =
-        std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort), nullptr, m_accessPolicy);
-    connect(m_pWebSocketService.get(), &WebSocketService::statusChanged, this, &WebSocketThread::statusChanged,
-            Qt::DirectConnection); // this object lives on the thread of whoever listens
+    m_pWebSocketService = std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort), nullptr,
+                                                             m_accessPolicy, m_pStatusSource);
     m_pWebSocketService->TellStatus();
     MV_LOG_INSIDE_THREAD(tag, "b4 call exec()...");
     exec();

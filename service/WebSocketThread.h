@@ -1,12 +1,12 @@
 #pragma once
 
 #include "service/AccessPolicy.h"
-#include "service/ServiceStatus.h"
 
 #include <QThread>
 
 #include <memory>
 
+class ServiceStatusSource;
 class WebSocketService;
 
 /// The thread that a service lives on. Its owner starts it, and to stop it calls quit(), waits for it and deletes it.
@@ -15,13 +15,11 @@ class WebSocketThread : public QThread
     Q_OBJECT
 
 public:
-    WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy = {});
+    /// The status source, which the caller keeps, outlives this; it may be null.
+    WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy = {},
+                    ServiceStatusSource *pStatusSource = nullptr);
     /// Deletes the service, on the deleting thread. The thread must have ended.
     ~WebSocketThread() override;
-
-Q_SIGNALS:
-    /// The service's state once it has started, and after every change. Emitted on the service's thread.
-    void statusChanged(const ServiceStatus &status);
 
 protected:
     void run() override;
@@ -30,4 +28,5 @@ private:
     std::unique_ptr<WebSocketService> m_pWebSocketService;
     int m_nWebSocketPort;
     AccessPolicy m_accessPolicy;
+    ServiceStatusSource *m_pStatusSource;
 };

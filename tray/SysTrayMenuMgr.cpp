@@ -163,9 +163,7 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     static const char tag[] = "SysTrayMenuMgr::OpenWebSocketService()";
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
     if (bOpenService && !m_pWebSocketThread) {
-        m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy());
-        connect(m_pWebSocketThread, &WebSocketThread::statusChanged, &m_statusSource,
-                &ServiceStatusSource::statusChanged);
+        m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy(), &m_statusSource);
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
     } else if (!bOpenService && m_pWebSocketThread) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tray/ServiceStatusSource.h"
+#include "service/ServiceStatusSource.h"
 #include "tray/TraySettings.h"
 
 #include <QObject>

@@ -1,5 +1,5 @@
 // The frames in which texts reach a client, byte for byte on the wire.
-#include "service/WebSocketService.h"
+#include "service/PushCallbacks.h"
 #include "tests/unit/support/Patience.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/RawClient.h"

@@ -1,5 +1,6 @@
 // What the service writes to the log of the other threads while the log is on: whole lines, the tick masked.
 #include "base/Logging.h"
+#include "service/PushCallbacks.h"
 #include "service/WebSocketService.h"
 #include "tests/unit/support/LogFiles.h"
 #include "tests/unit/support/PrivateHome.h"
