@@ -157,6 +157,8 @@ void SettingsFaultsTest::damagedFileIsSurvived()
     QVERIFY(m_place->toggleService());
     QVERIFY(TrayProgram::waitForListening(8089));
     useTheService(8089);
+    if (QTest::currentTestFailed())
+        return;
     QVERIFY(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=true")));
 }
 
@@ -169,6 +171,8 @@ void SettingsFaultsTest::fileOfFiftyMegabytesIsRead()
     QVERIFY(write(wpsFile(), filler));
     QVERIFY(m_place->startServing());
     useTheService(m_place->port());
+    if (QTest::currentTestFailed())
+        return;
     QVERIFY(read(m_place->desktop().settingsFile()).size() > 50 * 1024 * 1024);
 }
 
@@ -198,6 +202,8 @@ void SettingsFaultsTest::fileThatCannotBeWrittenIsSurvived()
     }
     QVERIFY(m_place->startServing());
     useTheService(m_place->port());
+    if (QTest::currentTestFailed())
+        return;
     if (!isDirectory)
         QCOMPARE(read(m_place->desktop().settingsFile()), before);
 }
@@ -219,6 +225,8 @@ void SettingsFaultsTest::fullDiskLeavesTheOldFile()
 
     QVERIFY(!write(folder() + QStringLiteral("/filler"), QByteArray(64 * 1024, 'x')));
     useTheService(m_place->port());
+    if (QTest::currentTestFailed())
+        return;
     QCOMPARE(read(m_place->desktop().settingsFile()), tray);
     QCOMPARE(read(wpsFile()), wps);
 }

@@ -4,13 +4,16 @@
 ///   opened BYTE                        what InitialDevice returns
 ///   points N                           the counts of points
 ///   fill BYTE                          what buffers are filled with, up to their size and without a NUL
-///   block FUNCTION MS                  how long the function of this name, without the model's, blocks
+///   block FUNCTION                     the function of this name, without the model's, blocks: until somebody removes
+///                                      the file "FUNCTION-blocks", which it makes
 
 #include "tests/faults/hostile/Answers.h"
 
+#include <chrono>
 #include <cstring>
 #include <fstream>
-#include <map>
+#include <set>
+#include <string>
 #include <thread>
 
 namespace {
@@ -22,7 +25,7 @@ struct Script {
     int opened = 1;
     int points = 0;
     int fill = -1;
-    std::map<std::string, int> blockMs;
+    std::set<std::string> blocking;
 };
 
 Script script;
@@ -41,8 +44,8 @@ Script readScript()
             file >> read.points;
         else if (word == "fill")
             file >> read.fill;
-        else if (word == "block")
-            file >> word >> read.blockMs[word];
+        else if (word == "block" && file >> word)
+            read.blocking.insert(word);
         else if (word == "text" && file >> word) {
             read.isNull = word == "null";
             std::size_t count = 0;
@@ -59,6 +62,13 @@ bool is(const char *function, const char *name)
     return std::strcmp(std::strchr(function, '_') + 1, name) == 0;
 }
 
+void block(const std::string &file)
+{
+    std::ofstream(file).put('\n');
+    while (std::ifstream(file))
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
 /// Called once for each point: no time to read a file.
 bool isPointCall(const char *function)
 {
@@ -72,9 +82,9 @@ void hostile::enter(const char *function)
     if (isPointCall(function))
         return;
     script = readScript();
-    for (const auto &[name, milliseconds] : script.blockMs) {
+    for (const std::string &name : script.blocking) {
         if (is(function, name.c_str()))
-            std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+            block(name + "-blocks");
     }
 }
 

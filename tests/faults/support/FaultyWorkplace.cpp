@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTest>
 
 FaultyWorkplace::FaultyWorkplace(const QString &library) : m_port(freePort())
 {
@@ -46,6 +47,11 @@ bool FaultyWorkplace::answer(const QByteArray &script) const
 {
     QFile answers(file(QStringLiteral("hostile-answers")));
     return answers.open(QIODevice::WriteOnly) && answers.write(script) == script.size();
+}
+
+bool FaultyWorkplace::waitUntilBlocked(const QString &function) const
+{
+    return QTest::qWaitFor([this, function] { return QFile::exists(blocks(function)); }, patienceMs);
 }
 
 bool FaultyWorkplace::replaceLibrary(const QString &library) const

@@ -30,6 +30,10 @@ public:
 
     /// Makes the hostile library answer so from now on; see hostile/AnswersFromFile.cpp.
     bool answer(const QByteArray &script) const;
+    /// Waits until the hostile library's function of this name blocks.
+    bool waitUntilBlocked(const QString &function) const;
+    /// Lets it go on.
+    bool unblock(const QString &function) const { return QFile::remove(blocks(function)); }
     /// Puts a copy of this file into the place of the library, in one step.
     bool replaceLibrary(const QString &library) const;
     bool serves(const QString &command = QStringLiteral("GetSize"));
@@ -40,6 +44,8 @@ public:
     long residentKiB() const;
 
 private:
+    QString blocks(const QString &function) const { return file(function + QStringLiteral("-blocks")); }
+
     DesktopSession m_desktop;
     QTemporaryDir m_folder;
     std::unique_ptr<TrayProgram> m_program;
