@@ -1,6 +1,6 @@
 // From the request of a client to the call that reaches the maker's library and back: every command, its exact number
 // of parameters and the conversion of each.
-#include "service/WebSocketService.h"
+#include "service/PushCallbacks.h"
 #include "tests/sdk/support/SdkTestCase.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/RunningService.h"
@@ -12,6 +12,8 @@
 #include <QTcpSocket>
 #include <QTest>
 #include <QThread>
+
+#include <thread>
 
 namespace {
 
@@ -54,7 +56,8 @@ private Q_SLOTS:
     void padIsCalledOnTheServiceThread();
     void padIsReleasedWhenTheServiceStops();
     void padIsReleasedAfterTheClients();
-    void pushOfTheServicesThreadFollowsTheReply();
+    void pushDuringARequestFollowsTheReply_data();
+    void pushDuringARequestFollowsTheReply();
     void restartForgetsThePad();
 
 private:
@@ -582,12 +585,26 @@ void DispatchTest::padIsReleasedAfterTheClients()
     QVERIFY(listensStill);
 }
 
-/// A push that comes while the service runs a request, from that very call, follows the reply.
-void DispatchTest::pushOfTheServicesThreadFollowsTheReply()
+void DispatchTest::pushDuringARequestFollowsTheReply_data()
 {
-    startPad(2);
+    QTest::addColumn<bool>("isOfAnotherThread");
+    QTest::newRow("from that very call") << false;
+    QTest::newRow("from another thread, which does not send it itself") << true;
+}
+
+/// A push that comes while the service runs a request follows the reply.
+void DispatchTest::pushDuringARequestFollowsTheReply()
+{
+    QFETCH(bool, isOfAnotherThread);
+    QVERIFY(startPad(2));
     recording::Answer cleared;
-    cleared.effect = [] { WebSocketServiceSignPadEventCallback(1); };
+    cleared.effect = [isOfAnotherThread] {
+        const auto push = [] { WebSocketServiceSignPadEventCallback(1); };
+        if (isOfAnotherThread)
+            std::thread(push).join();
+        else
+            push();
+    };
     ask(QStringLiteral("EnableRealtimeSigningNotification"));
     m_client->forget();
     expect("MVAlder_Clear(2)", cleared);

@@ -1,6 +1,9 @@
 // Messages that the device side pushes to every client, from whatever thread, while clients and the service come and
 // go.
+#include "service/ClientSocket.h"
+#include "service/PushCallbacks.h"
 #include "service/WebSocketService.h"
+#include "tests/unit/support/FreePort.h"
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/Replies.h"
 #include "tests/unit/support/RunningService.h"
@@ -126,6 +129,7 @@ private Q_SLOTS:
     void textIsCopied();
     void rejectedRequestEnablesToo();
     void pushesAndRepliesKeepTheirOrder();
+    void clientsGetThemInTheirOrder();
     void laterClientsGetThemToo();
     void goneClientsDoNoHarm();
     void withoutClients();
@@ -331,6 +335,28 @@ void PushTest::pushesAndRepliesKeepTheirOrder()
         QCOMPARE(clients[0]->messages().at(2 * i), keyMessage(i));
         QCOMPARE(clients[0]->messages().at(2 * i + 1), keyMessage(-1));
     }
+}
+
+/// The service lives on the test's thread here, where each of its writes is seen.
+void PushTest::clientsGetThemInTheirOrder()
+{
+    const quint16 port = freePort();
+    WebSocketService service(port);
+    std::array<SignClient, 5> clients;
+    QVector<quint16> connected;
+    for (SignClient &client : clients) {
+        QVERIFY(client.connectTo(port));
+        connected.append(client.socket().localPort());
+    }
+    QVector<quint16> served;
+    const QList<ClientSocket *> sockets = service.findChildren<ClientSocket *>();
+    for (const ClientSocket *socket : sockets)
+        connect(socket, &ClientSocket::bytesWritten, this, [&served, of = socket->peerPort()] { served.append(of); });
+    service.ProcessSignPadEvent(1);
+    QCOMPARE(served, connected);
+    served.clear();
+    service.ProcessSignBase64Data("QUJD");
+    QCOMPARE(served, connected);
 }
 
 void PushTest::laterClientsGetThemToo()
