@@ -4,7 +4,7 @@
 #
 # usage: instructions.sh BENCH_BUILD_DIR QT_VERSION COMPILER
 #
-# Ends with 77 when the recorded numbers are of other versions.
+# Fewer are always good. With the recorded versions up to a twentieth more are; with others, up to twice as many.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$1"
@@ -45,15 +45,16 @@ if [ -n "${MVSIGNPAD_RECORD_INSTRUCTIONS-}" ]; then
     mv "$here/instructions.new" "$here/instructions.txt"
     exit
 fi
+most=1.05
 if ! grep -qxF "$versions" "$here/instructions.txt"; then
     echo "recorded were other versions"
-    exit 77
+    most=2
 fi
-awk -F '\t' '
+awk -F '\t' -v most="$most" '
     NR == FNR { recorded[$1] = $2; next }
     {
         ratio = recorded[$1] ? $2 / recorded[$1] : 0
         printf "%s: %.3f of what is recorded\n", $1, ratio
-        if (ratio >= 0.95 && ratio <= 1.05) ++good
+        if (ratio > 0 && ratio <= most) ++good
     }
     END { exit good != 3 }' "$here/instructions.txt" <(echo "$counted")
