@@ -1,6 +1,7 @@
-/// Requests through the real service, dispatcher, manager and models, with a library whose answers are part of the
-/// input: lines of requests, then a NUL, then the bytes that the library makes its answers from. A line that does not
-/// begin with "ws:" gets the service's URL put in front.
+/// Requests over a real connection through the service, dispatcher, manager and models, with a library whose answers
+/// are part of the input: lines of requests, then a NUL, then the bytes that the library makes its answers from. A line
+/// that does not begin with "ws:" gets the service's URL put in front. Each line is sent as a text and, as it is, as
+/// bytes, which must come back unchanged.
 
 #include "service/WebSocketService.h"
 #include "tests/fuzz/AnswersFromBytes.h"
@@ -9,6 +10,7 @@
 #include <QGuiApplication>
 #include <QLibrary>
 #include <QWebSocket>
+#include <QWebSocketServer>
 
 #include <cstdlib>
 
@@ -39,6 +41,46 @@ Fixture &fixture()
     return *made;
 }
 
+/// Connected to the service over the system's loopback.
+class FuzzClient
+{
+public:
+    explicit FuzzClient(const WebSocketService &service)
+    {
+        QObject::connect(&m_socket, &QWebSocket::textMessageReceived, [this] { ++m_texts; });
+        QObject::connect(&m_socket, &QWebSocket::binaryMessageReceived,
+                         [this](const QByteArray &message) { m_echoes.append(message); });
+        const quint16 port = service.findChild<QWebSocketServer *>()->serverPort();
+        m_socket.open(QUrl(QStringLiteral("ws://127.0.0.1:%1/").arg(port)));
+        while (m_socket.state() != QAbstractSocket::ConnectedState)
+            waitForMore();
+    }
+
+    QWebSocket &socket() { return m_socket; }
+
+    /// Waits until all is answered: each binary message with itself, each text with at least one.
+    void compareEchoes(const QList<QByteArray> &sent)
+    {
+        while (m_echoes.size() < sent.size())
+            waitForMore();
+        if (m_echoes != sent || m_texts < sent.size())
+            std::abort();
+    }
+
+private:
+    /// The fuzzer's own time limit ends what waits in vain.
+    void waitForMore()
+    {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (m_socket.state() == QAbstractSocket::UnconnectedState)
+            std::abort();
+    }
+
+    QWebSocket m_socket;
+    QList<QByteArray> m_echoes;
+    int m_texts = 0;
+};
+
 } // namespace
 
 /// Before the first input: the fuzzer counts the library's coverage only if it knows of it by then.
@@ -62,20 +104,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         WebSocketService service(0);
         if (!service.Manager())
             std::abort();
-        QWebSocket client; // never connected: the replies to it go nowhere
-        // By name: the slot is the service's own affair, and it asks who has sent.
-        if (!QObject::connect(&client, SIGNAL(textMessageReceived(QString)), &service,
-                              SLOT(processTextMessage(QString)))
-            || !QObject::connect(&client, SIGNAL(binaryMessageReceived(QByteArray)), &service,
-                                 SLOT(processBinaryMessage(QByteArray))))
-            std::abort();
+        FuzzClient client(service);
         const QList<QByteArray> lines = requests.split('\n');
         for (const QByteArray &line : lines) {
             const QByteArray url = line.startsWith("ws:") ? line : "ws://localhost:0/MVSignSDK/" + line;
-            Q_EMIT client.textMessageReceived(QString::fromUtf8(url));
-            Q_EMIT client.binaryMessageReceived(line);
+            client.socket().sendTextMessage(QString::fromUtf8(url));
+            client.socket().sendBinaryMessage(line);
         }
-        QCoreApplication::processEvents();
+        client.compareEchoes(lines);
     }
     run.feed(nullptr, 0);
     return 0;
