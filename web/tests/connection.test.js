@@ -502,3 +502,23 @@ test('what is no host is refused as an argument', async () => {
     await assert.rejects(SignPad.connect({ host, WebSocket }), { code: 'invalid-argument' }, host);
   }
 });
+
+test('where there is no WebSocket, that is what connecting tells', async (t) => {
+  const { WebSocket: own } = globalThis; // later versions of Node have one
+  delete globalThis.WebSocket;
+  t.after(() => { if (own) globalThis.WebSocket = own; });
+  await assert.rejects(SignPad.connect(), { name: 'SignPadError', code: 'no-websocket' });
+});
+
+test('a refusal by the browser is told apart from mixed content by where the page is from', async (t) => {
+  class RefusedWebSocket {
+    constructor() { throw new DOMException('not allowed', 'SecurityError'); }
+  }
+  const codeFrom = (location) => {
+    Object.assign(globalThis, { location });
+    return SignPad.connect({ WebSocket: RefusedWebSocket }).then(() => 'none', ({ code }) => code);
+  };
+  t.after(() => { delete globalThis.location; });
+  assert.equal(await codeFrom({ protocol: 'https:', hostname: 'sign.example' }), 'mixed-content');
+  assert.equal(await codeFrom({ protocol: 'file:', hostname: '' }), 'permission-denied');
+});
