@@ -9,7 +9,7 @@ import WebSocket from 'ws';
 
 // Without a graphics card the oldest of them crash at the first canvas unless nothing stands in for it.
 const ARGUMENTS = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-software-rasterizer', '--no-zygote',
-  '--disable-dev-shm-usage', '--hide-scrollbars', '--remote-debugging-port=0'];
+  '--disable-dev-shm-usage', '--hide-scrollbars', '--ignore-certificate-errors', '--remote-debugging-port=0'];
 
 /** The port of the DevTools, which the browser prints as soon as it listens there. */
 async function portOf(browser) {

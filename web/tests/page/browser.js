@@ -1,4 +1,5 @@
 // The demo page in the system's Chromium, from file:// and from a web server of the test's own.
+import { execFile } from 'node:child_process';
 import { once } from 'node:events';
 import { mkdtemp, readFile, readdir, rm } from 'node:fs/promises';
 import http from 'node:http';
@@ -6,6 +7,7 @@ import https from 'node:https';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
 import { fileURLToPath } from 'node:url';
+import { promisify } from 'node:util';
 import puppeteer from 'puppeteer-core';
 import { until } from './desktop.js';
 
@@ -35,10 +37,23 @@ export async function openContext(browser) {
   return { context, downloads, close };
 }
 
-/** A plain web server for the folder web/; `tls`: {key, cert} for https. */
-export async function servePage(tls) {
+/** {key, cert} of a server at 127.0.0.1, for browsers that accept whatever certificate there is. */
+export async function madeCertificate() {
+  const directory = await mkdtemp(path.join(tmpdir(), 'signpad-certificate-'));
+  const [key, cert] = ['key.pem', 'cert.pem'].map((name) => path.join(directory, name));
+  try {
+    await promisify(execFile)('openssl', ['req', '-x509', '-newkey', 'rsa:2048', '-nodes', '-subj', '/CN=127.0.0.1',
+      '-days', '1', '-keyout', key, '-out', cert]);
+    return { key: await readFile(key), cert: await readFile(cert) };
+  } finally {
+    await rm(directory, { recursive: true, force: true });
+  }
+}
+
+/** A plain web server for a folder; `tls`: {key, cert} for https. */
+export async function serveFolder(folder, tls) {
   const handle = async (request, response) => {
-    const file = path.join(WEB, path.normalize(new URL(request.url, 'http://page').pathname));
+    const file = path.join(folder, path.normalize(new URL(request.url, 'http://page').pathname));
     try {
       const body = await readFile(file);
       response.writeHead(200, { 'Content-Type': CONTENT_TYPES[path.extname(file)] }).end(body);
@@ -51,12 +66,17 @@ export async function servePage(tls) {
   const { port } = server.address();
   return {
     port,
-    page: `http${tls ? 's' : ''}://127.0.0.1:${port}/demo/index.html`,
     stop: () => new Promise((resolve) => {
       server.closeAllConnections();
       server.close(resolve);
     }),
   };
+}
+
+/** The folder web/ on a web server of its own, and its demo page there. */
+export async function servePage(tls) {
+  const server = await serveFolder(WEB, tls);
+  return { ...server, page: `http${tls ? 's' : ''}://127.0.0.1:${server.port}/demo/index.html` };
 }
 
 /** `language`, `viewport`, `theme` ('light' or 'dark'): what the user has set. No page moves more than it must. */

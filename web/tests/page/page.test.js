@@ -8,7 +8,7 @@ import { after, before, describe, test } from 'node:test';
 import WebSocket from 'ws';
 import { SignPad } from '../../signpad.js';
 import { reply, startMockService } from '../mock-service.js';
-import { FILE_PAGE, download, inkOf, openContext, openPage, servePage, startBrowser } from './browser.js';
+import { FILE_PAGE, download, inkOf, madeCertificate, openContext, openPage, servePage, startBrowser } from './browser.js';
 import { drawStroke, freePort, padWindow, pressKey, startDesktop, startService, until, xdotool } from './desktop.js';
 import {
   button, choose, control, count, fillIn, isEnabled, isVisible, notice, points, says, shows, words,
@@ -578,10 +578,7 @@ describe("the browser's permission for the local network", () => {
   }
 
   async function secureServer(t) {
-    const [key, cert] = ['key.pem', 'cert.pem'].map((name) => path.join(directory, name));
-    execFileSync('openssl', ['req', '-x509', '-newkey', 'rsa:2048', '-nodes', '-subj', '/CN=127.0.0.1', '-days', '1',
-      '-keyout', key, '-out', cert], { stdio: 'ignore' });
-    const server = await servePage({ key: await readFile(key), cert: await readFile(cert) });
+    const server = await servePage(await madeCertificate());
     t.after(() => server.stop());
     return server;
   }

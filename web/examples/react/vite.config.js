@@ -1,0 +1,1 @@
+export default { esbuild: { jsx: 'automatic' }, build: { target: ['chrome69', 'firefox60'] } };

@@ -1,0 +1,4 @@
+import { createApp } from 'vue';
+import Signature from './Signature.vue';
+
+createApp(Signature).mount('#page');
