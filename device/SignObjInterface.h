@@ -6,7 +6,6 @@
 #include <QStringList>
 
 #include <optional>
-#include <utility>
 
 /// One signature pad. The values returned here are those of a pad that lacks the operation; a model overrides what
 /// its pad can do. All operations run on the service thread and block as long as the pad does; none throws.
@@ -15,9 +14,6 @@ class SignObjInterface
 {
 public:
     virtual ~SignObjInterface() = default;
-
-    /// The folders, absolute, below which Decode and SaveDrawImage may write; absent: anywhere.
-    void RestrictSaving(std::optional<QStringList> saveFolders) { m_saveFolders = std::move(saveFolders); }
 
     /// The maker's text about the library; empty on failure.
     virtual QString GetAboutInfo() { return {}; }
@@ -85,7 +81,6 @@ public:
 
     /// The model, open or not, and the library as this object found it; asks neither library nor pad.
     virtual PadStatus Status() { return {}; }
-
-protected:
-    std::optional<QStringList> m_saveFolders;
+    /// The folders, absolute, below which Decode and SaveDrawImage may write; absent: anywhere.
+    virtual void RestrictSaving(std::optional<QStringList> /*saveFolders*/) {}
 };

@@ -19,6 +19,7 @@ public:
     QString GetDecodeFilePath() override;
     QString SaveDrawImage(int nType, int nDPI, QString strPath) override;
     QString WPSSignConfirmed(bool bEnableDateTime, QString strName) override;
+    void RestrictSaving(std::optional<QStringList> saveFolders) override { m_saveFolders = std::move(saveFolders); }
 
 private:
     QString DecodedPoints();
@@ -28,6 +29,7 @@ private:
     static constexpr char szWpsDrawing[] = "/tmp/MVeSignWPS.png";
 
     QString m_strDecodeFilePath;
+    std::optional<QStringList> m_saveFolders;
 };
 
 template <class Sdk>
@@ -40,7 +42,7 @@ QString SignObjModel<Sdk>::Decode(int nType, QString strPath, QString strData)
     if (this->IsBound(decode)) {
         // Always below /tmp, on purpose, even when the path is absolute already.
         m_strDecodeFilePath = QStringLiteral("/tmp/") + strPath;
-        SaveTarget target(m_strDecodeFilePath, this->m_saveFolders);
+        SaveTarget target(m_strDecodeFilePath, m_saveFolders);
         this->CallAndLogResult("Decode", decode, nType, strData.toUtf8().constData(),
                                TextForLibrary(target.PathForLibrary()).constData());
         target.Finish(); // the result does not tell whether there is a file
@@ -86,7 +88,7 @@ QString SignObjModel<Sdk>::SaveDrawImage(int nType, int nDPI, QString strPath)
     if (this->IsBound(save)) {
         if (!strPath.contains(QLatin1Char('/')))
             strPath.prepend(QLatin1String("/tmp/"));
-        SaveTarget target(strPath, strPath == QLatin1String(szWpsDrawing) ? std::nullopt : this->m_saveFolders);
+        SaveTarget target(strPath, strPath == QLatin1String(szWpsDrawing) ? std::nullopt : m_saveFolders);
         int nResult = save.pfn(Sdk::nDeviceID, nType, TextForLibrary(target.PathForLibrary()).constData(), nDPI);
         MV_LOG_PAD("SaveDrawImage", "after call m_pfn_%s(), nResult=%d", save.szName, nResult);
         if (nResult == sdk::Success && !target.Finish())
