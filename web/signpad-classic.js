@@ -504,7 +504,7 @@
     } catch (cause) {
       const { name } = cause;
       if (name === "SyntaxError") refuse("host", "the name or the address of a computer, an IPv6 address in brackets");
-      throw name === "SecurityError" ? refusedByBrowser(url, cause) : cause;
+      throw name === "SecurityError" || !(cause instanceof Error) ? refusedByBrowser(url, cause) : cause;
     }
   }
   function openSocket(settings, url, signal) {
@@ -513,11 +513,11 @@
       const { timeout, promptTimeout } = settings;
       const socket = createSocket(settings, url);
       socket.binaryType = "arraybuffer";
-      let cause;
       const settle = (act) => {
         clearTimeout(timer);
         signal == null ? void 0 : signal.removeEventListener("abort", aborted);
         socket.onopen = socket.onclose = null;
+        socket.onerror = () => void 0;
         act();
       };
       const giveUp = (reason) => {
@@ -532,13 +532,11 @@
         timer = setTimeout(expired, isAsking ? promptTimeout : 0);
       }, timeout);
       signal == null ? void 0 : signal.addEventListener("abort", aborted);
-      socket.onerror = (event) => {
-        cause = event.error;
-      };
-      socket.onclose = () => {
+      const failed = (event) => {
         clearTimeout(timer);
-        unreachable(url, cause).then((error) => settle(() => reject(error)));
+        unreachable(url, event.error).then((error) => settle(() => reject(error)));
       };
+      socket.onerror = socket.onclose = failed;
       socket.onopen = () => settle(() => resolve(socket));
     });
   }

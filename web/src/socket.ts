@@ -41,7 +41,8 @@ function createSocket({ WebSocket }: Settings, url: string): Socket {
   } catch (cause) {
     const { name } = cause as Error;
     if (name === 'SyntaxError') refuse('host', 'the name or the address of a computer, an IPv6 address in brackets');
-    throw name === 'SecurityError' ? refusedByBrowser(url, cause) : cause;
+    // Firefox throws something that is no Error when the page's own policy does not allow the connection.
+    throw name === 'SecurityError' || !(cause instanceof Error) ? refusedByBrowser(url, cause) : cause;
   }
 }
 
@@ -52,11 +53,11 @@ export function openSocket(settings: Settings, url: string, signal?: AbortSignal
     const { timeout, promptTimeout } = settings;
     const socket = createSocket(settings, url);
     socket.binaryType = 'arraybuffer';
-    let cause: unknown;
     const settle = (act: () => void) => {
       clearTimeout(timer);
       signal?.removeEventListener('abort', aborted);
       socket.onopen = socket.onclose = null;
+      socket.onerror = () => undefined; // in Node an error that nobody listens to ends the program
       act();
     };
     const giveUp = (reason: unknown) => {
@@ -71,11 +72,11 @@ export function openSocket(settings: Settings, url: string, signal?: AbortSignal
       timer = setTimeout(expired, isAsking ? promptTimeout : 0);
     }, timeout);
     signal?.addEventListener('abort', aborted);
-    socket.onerror = (event: { error?: unknown }) => { cause = event.error; };
-    socket.onclose = () => {
+    const failed = (event: { error?: unknown }) => {
       clearTimeout(timer);
-      unreachable(url, cause).then((error) => settle(() => reject(error)));
+      unreachable(url, event.error).then((error) => settle(() => reject(error)));
     };
+    socket.onerror = socket.onclose = failed; // what the page's own policy forbids is never closed
     socket.onopen = () => settle(() => resolve(socket));
   });
 }

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import { mkdir, writeFile } from 'node:fs/promises';
 import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
-import { FILE_PAGE } from '../page/browser.js';
+import { FILE_PAGE, madeCertificate, servePage } from '../page/browser.js';
 import { freePort, startDesktop, startService, until } from '../page/desktop.js';
 import { BROWSERS } from './tab.js';
 
@@ -15,6 +15,9 @@ let desktop;
 
 before(async () => { desktop = await startDesktop(); });
 after(() => desktop?.stop());
+
+/** Runs in the page: why the client cannot connect. */
+const failure = (options) => window.MVSignPad.SignPad.connect(options).then(() => 'none', ({ code }) => code);
 
 /** What a user does and sees, in words that every browser understands. */
 const user = (tab) => ({
@@ -164,6 +167,27 @@ for (const name of chosen) {
 
     test('leaves no error in the console', () => {
       assert.deepEqual(tab.errors.filter((text) => !REFUSED_CONNECTION.test(text)), []);
+    });
+
+    test('connects from https, and tells what the browser takes for mixed content', async (t) => {
+      const server = await servePage(await madeCertificate());
+      t.after(() => server.stop());
+      await tab.open(`${server.page}?port=${port}`);
+      await visitor.waitFor('#notice-title', 'Ready to sign');
+      const { origin } = new URL(server.page);
+      await tab.open(`${origin}/tests/browsers/bare.html`);
+      assert.equal(await tab.run(failure, { host: 'signpad.example' }), 'mixed-content');
+    });
+
+    test('the page\'s own policy is no reason to wait', async () => {
+      await tab.open(FILE_PAGE);
+      assert.match(await tab.run(failure, { host: '127.0.0.1', port }), /^(service-not-running|permission-denied)$/);
+    });
+
+    test('the client tells that there is no WebSocket', async () => {
+      await tab.prepare('delete window.WebSocket');
+      await tab.open(FILE_PAGE);
+      assert.equal(await tab.run(failure), 'no-websocket');
     });
 
     test('without what the page needs it shows one sentence', async () => {
