@@ -88,7 +88,7 @@ PadStatus SignObjManager::Status() const
 {
     PadStatus status = m_pCurrentActiveSignObj ? m_pCurrentActiveSignObj->Status() : PadStatus();
     if (!m_bOpen)
-        status.strModel.clear();
+        status.strModel = QString();
     return status;
 }
 

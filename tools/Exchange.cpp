@@ -69,7 +69,7 @@ void Exchange::TakeMessage(const QString &message)
         Q_EMIT pushed(reply);
         return;
     }
-    m_api.clear();
+    m_api = QString();
     m_timeout.stop();
     Q_EMIT answered(reply);
 }
