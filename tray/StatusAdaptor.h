@@ -21,6 +21,9 @@ bool operator==(const ClientOnBus &left, const ClientOnBus &right);
 Q_DECLARE_METATYPE(ClientOnBus)
 Q_DECLARE_METATYPE(QVector<ClientOnBus>)
 
+// The bus is told of changes by PropertiesChanged, not by signals of these properties.
+// clazy:excludeall=qproperty-without-notify
+
 /// The interface com.morvane.MVSignPad: what others on the bus may see and call.
 class StatusAdaptor : public QDBusAbstractAdaptor
 {

@@ -108,7 +108,8 @@ Finding CheckAnswer(const Machine &machine, const QHostAddress &loopback)
 
 bool HasIPv6()
 {
-    for (const QByteArray &line : LinesOf(QStringLiteral("/proc/net/if_inet6"))) {
+    const auto lines = LinesOf(QStringLiteral("/proc/net/if_inet6"));
+    for (const QByteArray &line : lines) {
         if (line.startsWith("00000000000000000000000000000001"))
             return true;
     }
