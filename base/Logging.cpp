@@ -95,6 +95,7 @@ void WriteLogLine(LogSink sink, const char *tag, const char *format, ...)
     const int prefix = std::snprintf(g_cKeyBuf, sizeof g_cKeyBuf, "<%ld>-", static_cast<long>(GetTickCount()));
     va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start has just been called
     std::vsnprintf(g_cKeyBuf + prefix, sizeof g_cKeyBuf - static_cast<std::size_t>(prefix), format, arguments);
     va_end(arguments);
     sink(tag, g_cKeyBuf, "\n");

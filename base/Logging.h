@@ -12,7 +12,7 @@
 extern std::atomic<bool> g_bEnableLog;
 
 /// Bytes that one of the two files grows to before it makes room: it is then kept as NAME.1, in place of an older one.
-constexpr long nLargestLog = 8 * 1024 * 1024;
+constexpr long nLargestLog = 8L * 1024 * 1024;
 
 /// The one formatting buffer of every log site of every thread. Not locked: lines of two threads may mix.
 extern char g_cKeyBuf[256];

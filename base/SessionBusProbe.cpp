@@ -15,7 +15,7 @@ namespace {
 /// Where a program of this user looks for the bus; empty when it would have to be started.
 QByteArray BusAddress()
 {
-    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     if (!address.isEmpty())
         return address;
     const QByteArray socket = qgetenv("XDG_RUNTIME_DIR") + "/bus";

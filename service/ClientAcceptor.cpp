@@ -71,7 +71,7 @@ void ClientAcceptor::Accept()
 void ClientAcceptor::Pause()
 {
     m_pNotifier->setEnabled(false);
-    if (!findChild<ClientSocket *>())
+    if (findChild<ClientSocket *>() == nullptr)
         m_pRetryTimer->start();
 }
 

@@ -120,7 +120,7 @@ void WebSocketService::NoteListening(bool bListening)
         return;
     }
     const auto *const pSocket = m_pWebSocketServer->findChild<QTcpServer *>();
-    const bool bTaken = pSocket && pSocket->serverError() == QAbstractSocket::AddressInUseError;
+    const bool bTaken = pSocket != nullptr && pSocket->serverError() == QAbstractSocket::AddressInUseError;
     m_status.state = bTaken ? ServiceStatus::PortTaken : ServiceStatus::ClosedBySettings;
     m_status.strReason = m_pWebSocketServer->errorString();
 }

@@ -25,7 +25,9 @@ QString AnsweringBus()
         found = address;
         loop.quit();
     });
-    QTimer::singleShot(nPatienceMs, &loop, &QEventLoop::quit);
+    QTimer patience;
+    QObject::connect(&patience, &QTimer::timeout, &loop, &QEventLoop::quit);
+    patience.start(nPatienceMs);
     if (probe.Start())
         loop.exec();
     return found;

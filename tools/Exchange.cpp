@@ -37,6 +37,7 @@ void Exchange::Ask(const QString &call)
     m_api = call.section(QLatin1Char('?'), 0, 0);
     // The service knows its requests by this address, whatever host it is reached through.
     m_request = QStringLiteral("ws://localhost:%1/MVSignSDK/").arg(m_nPort) + call;
+    m_reply.reset();
     m_timeout.start();
     if (m_socket.state() == QAbstractSocket::ConnectedState)
         m_socket.sendTextMessage(m_request);
@@ -45,17 +46,13 @@ void Exchange::Ask(const QString &call)
 bool Exchange::AskAndWait(const QString &call, Reply &reply)
 {
     QEventLoop loop;
-    bool bAnswered = false;
     connect(this, &Exchange::failed, &loop, &QEventLoop::quit);
-    connect(this, &Exchange::answered, &loop, [&](const Reply &answer) {
-        // The connection ends with the loop, as these do.
-        reply = answer; // clazy:exclude=lambda-in-connect
-        bAnswered = true;
-        loop.quit();
-    });
+    connect(this, &Exchange::answered, &loop, &QEventLoop::quit);
     Ask(call);
     loop.exec();
-    return bAnswered;
+    if (m_reply)
+        reply = *m_reply;
+    return m_reply.has_value();
 }
 
 void Exchange::TakeMessage(const QString &message)
@@ -72,6 +69,7 @@ void Exchange::TakeMessage(const QString &message)
     }
     m_api = QString();
     m_timeout.stop();
+    m_reply = reply;
     Q_EMIT answered(reply);
 }
 

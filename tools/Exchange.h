@@ -5,6 +5,8 @@
 #include <QUrl>
 #include <QWebSocket>
 
+#include <optional>
+
 /// Where the service is, and how long to wait for it.
 struct Target {
     QString host;
@@ -52,8 +54,9 @@ private:
 
     QUrl m_url;
     int m_nPort;
-    QString m_api;     // of the request that waits for its reply; empty when none does
-    QString m_request; // the last one
+    QString m_api;                // of the request that waits for its reply; empty when none does
+    QString m_request;            // the last one
+    std::optional<Reply> m_reply; // to it
     QWebSocket m_socket;
     QTimer m_timeout;
 };

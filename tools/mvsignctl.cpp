@@ -92,7 +92,7 @@ int Run(const QCommandLineParser &parser, const Options &options)
         return WrongUsage(Text::tr("no command given"));
     const QString name = words.takeFirst();
     const Subcommand *const subcommand = FindSubcommand(name);
-    const bool bAsksService = !subcommand || subcommand->bAsksService;
+    const bool bAsksService = subcommand == nullptr || subcommand->bAsksService;
     const QString port = parser.isSet(options.port) || !bAsksService ? parser.value(options.port) : PortOfTheSettings();
     const Target target{parser.value(options.host), port.toInt(), Milliseconds(parser.value(options.timeout))};
     if (bAsksService && (target.nPort < 1 || target.nPort > 65535))

@@ -104,22 +104,27 @@ void SysTrayMenuMgr::CreateSystemTray()
     auto *const pSysTrayIcon = new QSystemTrayIcon; // icon and menu live until the process ends
     if (QSystemTrayIcon::isSystemTrayAvailable()) {
         MV_LOG(tag, "System Tray Available...");
-        auto *const pSysTrayIconMenu = new QMenu;
-        // The SDK library and the icon are opened relative to the program's own directory.
-        QDir::setCurrent(QCoreApplication::applicationDirPath());
-        LoadDataFromINIFIle();
-        MV_LOG(tag, "after call LoadDataFromINIFIle()...");
-        const TrayTexts &texts = TrayTextsOf(INIDATA.nUILangID);
-        FillMenu(texts, *pSysTrayIconMenu);
-        RestoreSavedState();
-        ShowIcon(texts, *pSysTrayIcon, *pSysTrayIconMenu);
-        MV_LOG(tag, "after call pSysTrayIcon->show()...");
+        SetUpTray(tag, *pSysTrayIcon);
     } else {
         // Runs on without a tray, on purpose: it was there just now.
         // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the icon lives on
         MV_LOG(tag, "System Tray Is NOT Available !!!");
     }
     MV_LOG(tag, "Leave !");
+}
+
+void SysTrayMenuMgr::SetUpTray(const char *tag, QSystemTrayIcon &icon)
+{
+    auto *const pSysTrayIconMenu = new QMenu;
+    // The SDK library and the icon are opened relative to the program's own directory.
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+    LoadDataFromINIFIle();
+    MV_LOG(tag, "after call LoadDataFromINIFIle()...");
+    const TrayTexts &texts = TrayTextsOf(INIDATA.nUILangID);
+    FillMenu(texts, *pSysTrayIconMenu);
+    RestoreSavedState();
+    ShowIcon(texts, icon, *pSysTrayIconMenu);
+    MV_LOG(tag, "after call pSysTrayIcon->show()...");
 }
 
 QAction *SysTrayMenuMgr::AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)())

@@ -9,6 +9,7 @@
 class CheckSysTrayThread;
 class QAction;
 class QMenu;
+class QSystemTrayIcon;
 class WebSocketThread;
 struct TrayTexts;
 
@@ -52,6 +53,7 @@ public Q_SLOTS:
     void StartCreateSystemTrayIcon(bool bSysTrayAvailable);
 
 private:
+    void SetUpTray(const char *tag, QSystemTrayIcon &icon);
     QAction *AddEntry(const char *szText, bool bCheckable, void (SysTrayMenuMgr::*slot)());
     void FillMenu(const TrayTexts &texts, QMenu &menu);
     /// Checks the entries as the settings say, and starts the service if they do.

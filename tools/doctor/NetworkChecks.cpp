@@ -12,6 +12,8 @@
 #include <QJsonObject>
 #include <QSet>
 
+#include <algorithm>
+
 namespace {
 
 const int nPatienceMs = 5000;
@@ -42,11 +44,8 @@ bool HasOneOf(const Process &process, const QSet<QString> &sockets)
 {
     const QDir descriptors(QStringLiteral("/proc/%1/fd").arg(process.nId));
     const QStringList names = descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
-    for (const QString &name : names) {
-        if (sockets.contains(LinkText(descriptors.filePath(name))))
-            return true;
-    }
-    return false;
+    return std::any_of(names.begin(), names.end(),
+                       [&](const QString &name) { return sockets.contains(LinkText(descriptors.filePath(name))); });
 }
 
 const Process *HolderOf(const QSet<QString> &sockets, const Machine &machine)
@@ -109,11 +108,8 @@ Finding CheckAnswer(const Machine &machine, const QHostAddress &loopback)
 bool HasIPv6()
 {
     const auto lines = LinesOf(QStringLiteral("/proc/net/if_inet6"));
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("00000000000000000000000000000001"))
-            return true;
-    }
-    return false;
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const QByteArray &line) { return line.startsWith("00000000000000000000000000000001"); });
 }
 
 /// The policies that keep pages from this machine, in files of these folders.
