@@ -36,7 +36,7 @@ void QMutex::unlock()
     qtUnlock(this);
 }
 
-/// Whatever was done before a call was queued is done before the receiver runs it.
+/// Whatever was done before a call was queued, by name or as a function, is done before the receiver runs it.
 bool QMetaObject::invokeMethod(QObject *receiver, const char *member, Qt::ConnectionType type,
                                QGenericReturnArgument result, QGenericArgument a0, QGenericArgument a1,
                                QGenericArgument a2, QGenericArgument a3, QGenericArgument a4, QGenericArgument a5,
@@ -50,6 +50,16 @@ bool QMetaObject::invokeMethod(QObject *receiver, const char *member, Qt::Connec
         "S7_S7_S7_S7_S7_S7_S7_S7_S7_");
     __tsan_release(receiver);
     return qtInvoke(receiver, member, type, result, a0, a1, a2, a3, a4, a5, a6, a7, a8, a9);
+}
+
+bool QMetaObject::invokeMethodImpl(QObject *receiver, QtPrivate::QSlotObjectBase *slot, Qt::ConnectionType type,
+                                   void *result)
+{
+    using Invoke = bool (*)(QObject *, QtPrivate::QSlotObjectBase *, Qt::ConnectionType, void *);
+    static const auto qtInvoke = behind<Invoke>(
+        "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
+    __tsan_release(receiver);
+    return qtInvoke(receiver, slot, type, result);
 }
 
 bool QObject::event(QEvent *event)
