@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace {
 
 QString Organization()
@@ -83,6 +85,14 @@ std::optional<QVariantMap> ReadSettings(const QString &path)
         settings.insert(key, bNameless ? QVariant() : file.value(key));
     }
     return settings;
+}
+
+bool HasOtherLines(const QByteArray &text)
+{
+    static const QRegularExpression sound(QStringLiteral(R"(\A\s*(\w+\s*=.*|\[\w+\]\s*|;.*)?\z)"));
+    const QList<QByteArray> lines = QByteArray(text).replace('\r', '\n').split('\n');
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const QByteArray &line) { return !sound.match(QString::fromUtf8(line)).hasMatch(); });
 }
 
 SettingsReader::SettingsReader(const char *szName)

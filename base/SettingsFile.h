@@ -14,6 +14,7 @@
 constexpr char traySettingsName[] = "MVSignPadSDK_WSSvr";
 constexpr char wpsSettingsName[] = "MVeSign_WPS";
 constexpr char accessSettingsName[] = "MVSignPadSDK_Access";
+constexpr char originAnswersName[] = "MVSignPadSDK_Origins";
 
 /// The paths of the settings files of this name: the machine's, then the user's own, which has the last word. No other
 /// file has a say, not even one for all programs of the organization. The files need not exist.
@@ -25,6 +26,10 @@ std::optional<QByteArray> ReadSettingsText(const QString &path);
 /// The settings of a file by group and key, as in "Settings/UILangID": empty when there is none, absent when it cannot
 /// be read or has a value that must not be decoded.
 std::optional<QVariantMap> ReadSettings(const QString &path);
+
+/// Whether the file has a line that is neither a setting, a group's heading nor a comment. ReadSettings passes over it
+/// in silence.
+bool HasOtherLines(const QByteArray &text);
 
 /// The group Settings of the files of one name. What the user's own file lacks is taken from the machine's; a file that
 /// ReadSettings cannot read counts as none.

@@ -80,15 +80,6 @@ Flaw TakeSetting(const QString &strName, const QVariant &value, AccessPolicy &po
     return "a key is not known, or not in the group Access"; // a misspelt one must not leave the door open
 }
 
-/// Reading the settings passes in silence over a line that is neither a setting, a group's heading nor a comment.
-bool HasOtherLines(const QByteArray &text)
-{
-    static const QRegularExpression sound(QStringLiteral(R"(\A\s*(\w+\s*=.*|\[\w+\]\s*|;.*)?\z)"));
-    const QList<QByteArray> lines = QByteArray(text).replace('\r', '\n').split('\n');
-    return std::any_of(lines.begin(), lines.end(),
-                       [](const QByteArray &line) { return !sound.match(QString::fromUtf8(line)).hasMatch(); });
-}
-
 /// Takes over all settings of a file.
 Flaw TakeFile(const QString &strPath, AccessPolicy &policy)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/OriginDesk.h"
 #include "service/ServiceStatusSource.h"
 #include "tray/TraySettings.h"
 
@@ -40,6 +41,7 @@ public:
     const TraySettings &Settings() const { return INIDATA; }
     /// Lives as long as this object.
     const ServiceStatusSource &StatusSource() const { return m_statusSource; }
+    OriginDesk &Desk() { return m_originDesk; } ///< likewise
 
 Q_SIGNALS:
     /// The program is to end: the exit entry was chosen, or there is no tray.
@@ -61,6 +63,7 @@ private:
 
     TraySettings INIDATA;
     ServiceStatusSource m_statusSource;
+    OriginDesk m_originDesk;
     QPointer<QAction> m_pStartServiceAction;
     QPointer<QAction> m_pStartSecureServiceAction;
     QPointer<QAction> m_pAutoLaunchAction;
