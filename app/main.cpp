@@ -36,8 +36,7 @@ int RunFirstInstance()
 
     SysTrayMenuMgr manager(nullptr);
     StatusOnBus statusOnBus;
-    QObject::connect(&manager.StatusSource(), &ServiceStatusSource::statusChanged, &statusOnBus,
-                     &StatusOnBus::SetServiceStatus);
+    statusOnBus.Follow(manager.StatusSource());
     QObject::connect(&manager, &SysTrayMenuMgr::closed, &QCoreApplication::quit);
     manager.Initialize();
     MV_LOG(tag, "after call SysTrayMenuMgr.Initialize()...");

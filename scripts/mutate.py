@@ -33,7 +33,8 @@ FIRST = {
                ["tst_ink", "tst_control", "tst_wpspicture", "tst_decodesave", "tst_callbacks", "tst_binding",
                 "tst_fingerprint"]],
     "service": [["tst_dispatch", "tst_servicelog"],
-                ["tst_requests", "tst_websocketservice", "tst_push", "tst_wpssettings", "tst_urlparameters"]],
+                ["tst_requests", "tst_websocketservice", "tst_push", "tst_wpssettings", "tst_accesssettings",
+                 "tst_urlparameters"]],
     "tray": [["tst_trayentries", "tst_traysettings", "tst_traymanager", "tst_detectsingleinstance", "tst_startover",
               "tst_main"]],
 }

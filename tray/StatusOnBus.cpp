@@ -2,6 +2,7 @@
 
 #include "base/Logging.h"
 #include "base/SessionBusProbe.h"
+#include "service/ServiceStatusSource.h"
 
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
@@ -49,6 +50,12 @@ void StatusOnBus::Publish(const QString &busAddress)
     QDBusMessage request = CallOfTheBus("RequestName"); // by QDBusConnection's own function it would be waited for
     request.setArguments({QLatin1String(serviceName), nDoNotQueue});
     m_bus.asyncCall(request);
+}
+
+void StatusOnBus::Follow(const ServiceStatusSource &source)
+{
+    // Queued from this thread too: "stopped" is told on it while words of the service may still be on their way.
+    connect(&source, &ServiceStatusSource::statusChanged, this, &StatusOnBus::SetServiceStatus, Qt::QueuedConnection);
 }
 
 void StatusOnBus::SetServiceStatus(const ServiceStatus &status)

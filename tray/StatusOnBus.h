@@ -8,6 +8,8 @@
 
 #include <functional>
 
+class ServiceStatusSource;
+
 /// The program's state as an object of the session bus, see docs/status.md; nothing where there is no bus. Never waits
 /// for the bus. Main thread only.
 class StatusOnBus : public QObject
@@ -19,7 +21,8 @@ public:
     explicit StatusOnBus(QObject *parent = nullptr);
     ~StatusOnBus() override;
 
-    void SetServiceStatus(const ServiceStatus &status);
+    /// Keeps to what the source tells.
+    void Follow(const ServiceStatusSource &source);
 
     const ServiceStatus &Service() const { return m_service; }
 
@@ -27,6 +30,7 @@ public:
     void SetLog(bool bOn, const QDBusMessage &call);
 
 private:
+    void SetServiceStatus(const ServiceStatus &status);
     void Publish(const QString &busAddress);
     void AnnounceChanges();
     /// Finds out who calls; then does what is asked and replies, or refuses.

@@ -6,6 +6,8 @@
 
 namespace {
 
+const int exitEntry = 2;
+
 bool takesConnections(quint16 port)
 {
     QTcpSocket probe;
@@ -39,6 +41,17 @@ bool TrayProgram::start()
 bool TrayProgram::waitForEnd(int timeoutMs)
 {
     return QTest::qWaitFor([this] { return !isRunning(); }, timeoutMs);
+}
+
+QString TrayProgram::exitThroughMenu(const DesktopSession &desktop)
+{
+    if (!desktop.chooseMenuEntry(exitEntry))
+        return QStringLiteral("the menu did not come up");
+    if (!waitForEnd())
+        return QStringLiteral("the program did not end");
+    if (exitStatus() != 0)
+        return QStringLiteral("the program ended with status %1").arg(exitStatus());
+    return output().isEmpty() ? QString() : QStringLiteral("the program wrote: ") + QString::fromUtf8(output());
 }
 
 int TrayProgram::exitStatus() const

@@ -15,6 +15,9 @@ public:
     bool start();
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     bool waitForEnd(int timeoutMs = patienceMs);
+    /// Chooses the menu's exit entry and waits for the end. Says what went wrong; empty when the program ended with
+    /// status 0 and without a word.
+    QString exitThroughMenu(const DesktopSession &desktop);
     /// -1 while it runs and when a signal ended it.
     int exitStatus() const;
     /// All that it wrote on its standard output and standard error so far.

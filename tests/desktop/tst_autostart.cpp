@@ -61,7 +61,6 @@ private:
     QString applications() const { return m_product.filePath(QStringLiteral("applications")); }
     bool installEntries() const;
     bool startProgram(const QString &product);
-    void exitThroughMenu();
 
     std::unique_ptr<DesktopSession> m_desktop;
     std::unique_ptr<TrayProgram> m_program;
@@ -113,14 +112,6 @@ bool AutostartTest::startProgram(const QString &product)
     return m_desktop->waitForIcon();
 }
 
-void AutostartTest::exitThroughMenu()
-{
-    QVERIFY(m_desktop->chooseMenuEntry(2));
-    QVERIFY(m_program->waitForEnd());
-    QCOMPARE(m_program->exitStatus(), 0);
-    QCOMPARE(m_program->output(), QByteArray());
-}
-
 void AutostartTest::menuCopiesAndRemovesTheEntry()
 {
     QFETCH(QString, product);
@@ -138,7 +129,7 @@ void AutostartTest::menuCopiesAndRemovesTheEntry()
     QVERIFY(QDir(autostart()).exists());
     QVERIFY(QDir(autostart()).isEmpty());
     QVERIFY(QFile::exists(applications() + QLatin1Char('/') + entry));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void AutostartTest::existingEntryIsKept()
@@ -157,7 +148,7 @@ void AutostartTest::existingEntryIsKept()
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
     QVERIFY(!QFile::exists(autostart(entry)));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 /// What the settings say only tells that the user has once chosen; whether the entry is there counts.
@@ -184,7 +175,7 @@ void AutostartTest::entryOnDiskDecides()
         const StatusNotifierItem item(m_desktop->busAddress());
         QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
         QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, saved.toggleState);
-        exitThroughMenu();
+        QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
         QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
     }
 }
@@ -209,14 +200,14 @@ void AutostartTest::unknownProductCopiesNothing()
     }
     QVERIFY(QDir(autostart()).exists());
     QVERIFY(QDir(autostart()).isEmpty());
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
 
     QVERIFY(startProgram(product));
     const StatusNotifierItem item(m_desktop->busAddress());
     QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
     QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, 0);
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void AutostartTest::missingPackageCopiesNothing()
@@ -227,7 +218,7 @@ void AutostartTest::missingPackageCopiesNothing()
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")), patienceMs);
     QVERIFY(QDir(autostart()).isEmpty());
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=true")));
 }
 
@@ -243,7 +234,7 @@ void AutostartTest::entryThatCannotBeRemovedStays()
     QVERIFY(m_desktop->chooseMenuEntry(launchAtLogIn));
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")), patienceMs);
     QCOMPARE(readFile(entry + QStringLiteral("/notes")), QByteArray("kept"));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("AutoLaunch=false")));
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
 
@@ -251,7 +242,7 @@ void AutostartTest::entryThatCannotBeRemovedStays()
     const StatusNotifierItem item(m_desktop->busAddress());
     QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
     QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, 1);
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 /// A file in the folder's place stays as it is; the choice is kept in the settings and comes to nothing.
@@ -266,14 +257,14 @@ void AutostartTest::folderThatCannotBeMade()
         QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String(line)), patienceMs);
         QCOMPARE(readFile(autostart()), QByteArray("in the way"));
     }
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QTRY_VERIFY_WITH_TIMEOUT(m_desktop->iconArea().isEmpty(), patienceMs);
 
     QVERIFY(startProgram(QStringLiteral("kylin")));
     const StatusNotifierItem item(m_desktop->busAddress());
     QTRY_COMPARE_WITH_TIMEOUT(item.menu().size(), 5, patienceMs);
     QCOMPARE(item.menu().at(launchAtLogInRow).toggleState, 0);
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 QTEST_GUILESS_MAIN(AutostartTest)

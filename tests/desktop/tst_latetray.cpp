@@ -37,7 +37,6 @@ private Q_SLOTS:
 
 private:
     bool startWaiting();
-    void exitThroughMenu();
 
     std::unique_ptr<DesktopSession> m_desktop;
     std::unique_ptr<TrayProgram> m_program;
@@ -68,15 +67,6 @@ bool LateTrayTest::startWaiting()
            && m_program->isRunning() && m_desktop->iconArea().isEmpty() && TrayProgram::waitForSilence(m_port);
 }
 
-void LateTrayTest::exitThroughMenu()
-{
-    QVERIFY(TrayProgram::waitForListening(m_port));
-    QVERIFY(m_desktop->chooseMenuEntry(2));
-    QVERIFY(m_program->waitForEnd());
-    QCOMPARE(m_program->exitStatus(), 0);
-    QCOMPARE(m_program->output(), QByteArray());
-}
-
 void LateTrayTest::trayAtTheStart_data()
 {
     QTest::addColumn<bool>("xembed");
@@ -90,7 +80,8 @@ void LateTrayTest::trayAtTheStart()
     QVERIFY(xembed ? m_desktop->startTrayer() : m_desktop->startStatusNotifierHost());
     QVERIFY(m_program->start());
     QVERIFY(m_desktop->waitForIcon());
-    exitThroughMenu();
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void LateTrayTest::lateXembedTray()
@@ -101,7 +92,8 @@ void LateTrayTest::lateXembedTray()
     timer.start();
     QVERIFY(m_desktop->waitForIcon());
     QVERIFY2(timer.elapsed() <= soonMs, qPrintable(QString::number(timer.elapsed())));
-    exitThroughMenu();
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void LateTrayTest::lateStatusNotifierHost()
@@ -118,7 +110,8 @@ void LateTrayTest::lateStatusNotifierHost()
     // Whoever started the program still has hold of it.
     QVERIFY(m_program->isRunning());
     QCOMPARE(m_program->process().processId(), process);
-    exitThroughMenu();
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void LateTrayTest::startingOverDoesNotAskTheGuardAgain()
@@ -133,7 +126,8 @@ void LateTrayTest::startingOverDoesNotAskTheGuardAgain()
     QVERIFY(editor.waitForStarted());
     QVERIFY(m_desktop->startStatusNotifierHost());
     QVERIFY(m_desktop->waitForIcon());
-    exitThroughMenu();
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     const QString reason = logLine("CheckSysTrayThread::run()",
                                    "b4 call StartOver(), for a StatusNotifier host that came after Qt had looked...");
     QCOMPARE(maskedLines(threadLog()).count(reason), 1);
@@ -151,7 +145,8 @@ void LateTrayTest::statusNotifierHostThatAnswersLate()
     QVERIFY(startWaiting());
     m_desktop->resumeLastHelper();
     QVERIFY(m_desktop->waitForIcon());
-    exitThroughMenu();
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void LateTrayTest::statusNotifierHostThatLeavesBeforeTheStart()
@@ -163,7 +158,8 @@ void LateTrayTest::statusNotifierHostThatLeavesBeforeTheStart()
     QVERIFY(startWaiting());
     QVERIFY(m_desktop->startTrayer());
     QVERIFY(m_desktop->waitForIcon());
-    exitThroughMenu();
+    QVERIFY(TrayProgram::waitForListening(m_port));
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 QTEST_GUILESS_MAIN(LateTrayTest)

@@ -17,7 +17,6 @@
 namespace {
 
 const int startEntry = 0;
-const int exitEntry = 2;
 const char size[] = R"({"API":"GetSize","Result":"0"})";
 
 } // namespace
@@ -56,7 +55,6 @@ private:
     static int startsOfAService();
     bool start(const QStringList &settings);
     bool startWithService() { return start({QStringLiteral("StartWebService=true")}); }
-    void exitThroughMenu();
     /// A copy of the program and what it needs in a directory with an awkward name; the program's path in it.
     QString copyOfTheProgram(const QTemporaryDir &directory) const;
 
@@ -113,14 +111,6 @@ bool ProgramTest::start(const QStringList &settings)
            && m_program->start() && m_desktop->waitForIcon();
 }
 
-void ProgramTest::exitThroughMenu()
-{
-    QVERIFY(m_desktop->chooseMenuEntry(exitEntry));
-    QVERIFY(m_program->waitForEnd());
-    QCOMPARE(m_program->exitStatus(), 0);
-    QCOMPARE(m_program->output(), QByteArray());
-}
-
 QString ProgramTest::copyOfTheProgram(const QTemporaryDir &directory) const
 {
     const QFileInfo program(QStringLiteral(MVSIGNPAD_PROGRAM));
@@ -138,7 +128,7 @@ void ProgramTest::firstRunStartsNoService()
     QVERIFY(m_desktop->waitForIcon());
     QCOMPARE(startsOfAService(), 0);
     QVERIFY(!QFile::exists(m_desktop->settingsFile()));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QStringList lines;
     for (const char *line : {"AutoLaunch=false", "StartWebService=false", "StartWebServiceWithSSL=false", "UILangID=2",
                              "WebSocketPort=8089", "WebSocketSecurePort=8090", "[Settings]"})
@@ -154,7 +144,7 @@ void ProgramTest::savedServiceStarts()
     QVERIFY(client.connectTo(m_port));
     QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
     QCOMPARE(client.command(QStringLiteral("GetWPSSettings?id=2")), settingsReply("3", "0", "0", QString()));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::repliesGoToTheSenderOnly()
@@ -169,7 +159,7 @@ void ProgramTest::repliesGoToTheSenderOnly()
     QCOMPARE(first.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
     QCOMPARE(first.messages().size(), 2);
     QCOMPARE(second.messages().size(), 1);
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::burstOfAThousandRequests()
@@ -193,7 +183,7 @@ void ProgramTest::burstOfAThousandRequests()
         QCOMPARE(client.messages().at(i), reply.arg(QLatin1String(names[i * i % 7])));
         QCOMPARE(neighbour.messages().at(i), reply.arg(QLatin1String(names[(i + 3) % 7])));
     }
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::binaryIsEchoed()
@@ -205,7 +195,7 @@ void ProgramTest::binaryIsEchoed()
     QCOMPARE(client.binaryRequest("abc"), QByteArray("abc"));
     const QByteArray bytes = QByteArray("\0\xff\x80z", 4).repeated(500000);
     QCOMPARE(client.binaryRequest(bytes), bytes);
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::anyPathAndOriginAreServed()
@@ -218,7 +208,7 @@ void ProgramTest::anyPathAndOriginAreServed()
     SignClient other;
     QVERIFY(other.connectTo(m_port, QStringLiteral("/any/where?x=1"), QStringLiteral("127.1.2.3")));
     QCOMPARE(other.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::abruptDisconnects()
@@ -236,7 +226,7 @@ void ProgramTest::abruptDisconnects()
         client.abort();
     }
     QCOMPARE(stayer.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::startAndStopThroughTheMenu()
@@ -261,7 +251,7 @@ void ProgramTest::startAndStopThroughTheMenu()
                                  patienceMs);
     }
     QVERIFY(m_program->isRunning());
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::exitWithClients()
@@ -277,7 +267,7 @@ void ProgramTest::exitWithClients()
     }
     for (const auto &client : clients)
         QCOMPARE(client->command(QStringLiteral("GetWPSSettings?id=3")), settingsReply("3", "0", "0", QString()));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     for (const auto &client : clients)
         QVERIFY(client->waitForDisconnect());
 }
@@ -288,7 +278,7 @@ void ProgramTest::exitWritesTheSettings()
                    QStringLiteral("StartWebServiceWithSSL=true"), QStringLiteral("WebSocketSecurePort=1234"),
                    QStringLiteral("UILangID=1")}));
     QVERIFY(TrayProgram::waitForListening(m_port));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QStringList lines;
     for (const char *line : {"AutoLaunch=false", "StartWebService=true", "StartWebServiceWithSSL=false", "UILangID=1"})
         lines.append(QLatin1String(line));
@@ -301,14 +291,14 @@ void ProgramTest::exitWritesTheSettings()
     m_program.reset(new TrayProgram(*m_desktop));
     QVERIFY(m_program->start() && m_desktop->waitForIcon());
     QVERIFY(TrayProgram::waitForListening(m_port));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::exitWithoutService()
 {
     switchLogOn();
     QVERIFY(start({QStringLiteral("StartWebServiceWithSSL=true")}));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QCOMPARE(startsOfAService(), 0);
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")));
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebServiceWithSSL=true")));
@@ -338,7 +328,7 @@ void ProgramTest::portInUse()
     holder.reset();
     QVERIFY(m_desktop->chooseMenuEntry(startEntry));
     QVERIFY(TrayProgram::waitForListening(m_port));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::secondCopy()
@@ -361,12 +351,12 @@ void ProgramTest::secondCopy()
     QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
     QCOMPARE(m_desktop->visibleWindows(), windows);
     QCOMPARE(QFileInfo(m_desktop->settingsFile()).lastModified(), written);
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 
     // With the first one gone the next may run.
     m_program.reset(new TrayProgram(*m_desktop));
     QVERIFY(startWithService());
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::anotherProcessWithTheNameInItsCommandLine()
@@ -395,7 +385,7 @@ void ProgramTest::workingDirectoryIsTheProgramsOwn()
     QVERIFY(startWithService());
     const QString working = QFile::symLinkTarget(QStringLiteral("/proc/%1/cwd").arg(m_program->process().processId()));
     QCOMPARE(working, QFileInfo(program).path());
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::closingAnotherWindowEndsNothing()
@@ -424,7 +414,7 @@ void ProgramTest::closingAnotherWindowEndsNothing()
     QVERIFY(m_desktop->closeMenu(menu));
     QVERIFY(m_program->isRunning());
     QCOMPARE(client.command(QStringLiteral("GetSize")), QString::fromLatin1(size));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void ProgramTest::withoutASessionBus()
@@ -434,7 +424,7 @@ void ProgramTest::withoutASessionBus()
     m_program->process().setProcessEnvironment(environment);
     QVERIFY(startWithService());
     QVERIFY(TrayProgram::waitForListening(m_port));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 QTEST_GUILESS_MAIN(ProgramTest)

@@ -25,7 +25,6 @@ private Q_SLOTS:
 private:
     bool startTray(const QString &tray);
     bool startProgram(const QStringList &extraSettings);
-    void exitThroughMenu();
 
     std::unique_ptr<DesktopSession> m_desktop;
     std::unique_ptr<TrayProgram> m_program;
@@ -57,14 +56,6 @@ bool TrayMenuTest::startProgram(const QStringList &extraSettings)
     return m_desktop->writeSettings(port + extraSettings) && m_program->start() && m_desktop->waitForIcon();
 }
 
-void TrayMenuTest::exitThroughMenu()
-{
-    QVERIFY(m_desktop->chooseMenuEntry(2));
-    QVERIFY(m_program->waitForEnd());
-    QCOMPARE(m_program->exitStatus(), 0);
-    QCOMPARE(m_program->output(), QByteArray());
-}
-
 void TrayMenuTest::iconAndMenuShow_data()
 {
     QTest::addColumn<QString>("tray");
@@ -92,7 +83,7 @@ void TrayMenuTest::iconAndMenuShow()
     QVERIFY(menu.entryRows.at(0) < menu.separatorRows.at(0) && menu.separatorRows.at(0) < menu.entryRows.at(1));
     QVERIFY(menu.entryRows.at(1) < menu.separatorRows.at(1) && menu.separatorRows.at(1) < menu.entryRows.at(2));
     QVERIFY(m_desktop->closeMenu(menu));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
 }
 
 void TrayMenuTest::menuDrivesTheService_data()
@@ -124,7 +115,7 @@ void TrayMenuTest::menuDrivesTheService()
 
     QVERIFY(m_desktop->chooseMenuEntry(0));
     QVERIFY(TrayProgram::waitForListening(m_port));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")));
 }
 
@@ -214,7 +205,7 @@ void TrayMenuTest::hostSeesTheSavedState()
     QCOMPARE(item.menu().at(0).toggleState, serviceRuns ? 1 : 0);
     QCOMPARE(item.menu().at(2).toggleState, 0);
     QVERIFY(serviceRuns ? TrayProgram::waitForListening(m_port) : TrayProgram::waitForSilence(m_port));
-    exitThroughMenu();
+    QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     for (const QString &line : writtenAtExit)
         QVERIFY2(m_desktop->settingsLines().contains(line), qPrintable(line));
 }

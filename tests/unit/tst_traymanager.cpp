@@ -3,12 +3,16 @@
 #include "tests/unit/support/PrivateHome.h"
 #include "tests/unit/support/SignClient.h"
 #include "tests/unit/support/WarningTrap.h"
+#include "tray/StatusOnBus.h"
 #include "tray/SysTrayMenuMgr.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
+
+#include <atomic>
 
 class TrayManagerTest : public QObject
 {
@@ -19,6 +23,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void goesWhileTheServiceRuns();
+    void stoppedIsTheLastThatIsTold();
     void goesWhileItWaitsForTheTray_data();
     void goesWhileItWaitsForTheTray();
 
@@ -59,6 +64,29 @@ void TrayManagerTest::goesWhileTheServiceRuns()
     m_manager.reset();
     QVERIFY(client.waitForDisconnect());
     QCOMPARE(m_home.configLines(name), settings);
+}
+
+/// The service's own words come from its thread: they must not arrive behind the word of its end.
+void TrayManagerTest::stoppedIsTheLastThatIsTold()
+{
+    m_home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"),
+                       "[Settings]\nWebSocketPort=" + QByteArray::number(freePort()) + '\n');
+    m_manager->LoadDataFromINIFIle();
+    StatusOnBus status;
+    status.Follow(m_manager->StatusSource());
+    std::atomic<int> told{0};
+    const auto count = [&told](const ServiceStatus &) { ++told; };
+    connect(&m_manager->StatusSource(), &ServiceStatusSource::statusChanged, &status, count, Qt::DirectConnection);
+    m_manager->OpenWebSocketService(true);
+    QElapsedTimer timer;
+    timer.start();
+    while (told == 0 && timer.elapsed() < patienceMs) // without handling events: the word stays on its way
+        QThread::msleep(1);
+    QVERIFY(told > 0);
+    m_manager->OpenWebSocketService(false);
+    QCoreApplication::processEvents();
+    QCOMPARE(status.Service().state, ServiceStatus::Stopped);
+    QCOMPARE(status.Service().strReason, QStringLiteral("switched off in the menu"));
 }
 
 void TrayManagerTest::goesWhileItWaitsForTheTray_data()
