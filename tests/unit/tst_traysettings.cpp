@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaMethod>
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void otherKeysOfTheFileStay();
     void machinesFileFillsIn();
     void organizationHasNoSay();
+    void lockLeftBehindIsNoObstacle();
     void unwritableFileIsNotReported();
     void variants_data();
     void variants();
@@ -275,6 +277,17 @@ void TraySettingsTest::organizationHasNoSay()
     QCOMPARE(settings.nWebSocketSecurePort, 8090);
     QCOMPARE(settings.nUILangID, 2);
     QVERIFY(m_home.configLines(fileName()).contains(QLatin1String("WebSocketPort=7")));
+}
+
+/// By a program that was killed while it wrote.
+void TraySettingsTest::lockLeftBehindIsNoObstacle()
+{
+    writeFile(QStringLiteral(".config/mvsignpadsdk/MVSignPadSDK_WSSvr.conf.lock"), QByteArray());
+    QElapsedTimer timer;
+    timer.start();
+    TraySettings().Save();
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed()))); // Qt would wait for 30 seconds
+    QCOMPARE(m_home.configLines(fileName()).size(), 7);
 }
 
 void TraySettingsTest::unwritableFileIsNotReported()
