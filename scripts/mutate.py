@@ -16,6 +16,7 @@ import pathlib
 import queue
 import random
 import re
+import resource
 import shutil
 import subprocess
 import sys
@@ -39,6 +40,7 @@ FIRST = {
               "tst_main"]],
 }
 TEST_SECONDS = 300
+TEST_BYTES = 6 << 30  # of addresses; a change may ask for memory without end
 
 PASSED_OVER = re.compile(r"\s*(#|//|/\*|\*|\"|static_assert|template\b|class\b|struct\b|enum\b|using\b|namespace\b|"
                          r"public:|private:|protected:|Q_OBJECT|extern\b|friend\b|case\b|default:|[{}()\[\];,\s]*$)")
@@ -144,9 +146,9 @@ class Workplace:
     def __init__(self, directory):
         self.source, self.build = directory / "source", directory / "build"
 
-    def run(self, *command):
+    def run(self, *command, **options):
         return subprocess.run([*map(str, command)], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              text=True, errors="replace")
+                              text=True, errors="replace", **options)
 
     def prepare(self, test):
         names = subprocess.run(["git", "-C", ROOT, "ls-files", "--cached", "--others", "--exclude-standard", "-z"],
@@ -181,7 +183,8 @@ class Workplace:
     def failing(self, tests):
         """The first of the tests that fails, or None."""
         result = self.run("ctest", "--test-dir", self.build, "--stop-on-failure", "--timeout", TEST_SECONDS, "-R",
-                          f"^({'|'.join(tests)})$")
+                          f"^({'|'.join(tests)})$",
+                          preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (TEST_BYTES, TEST_BYTES)))
         failed = re.search(r"Test +#\d+: (\S+) .*\*\*\*", result.stdout)
         return failed.group(1) if failed else None if result.returncode == 0 else "ctest"
 
