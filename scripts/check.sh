@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The checks that take long: the tests under sanitizers, static analysis, a minute of fuzzing for each target and two
-# minutes of load.
+# minutes of load; and, where it is named, the build with other compilers.
 #
-#   scripts/check.sh             all of them
-#   scripts/check.sh STEP...     some of: address thread analysis fuzz soak
+#   scripts/check.sh             address thread analysis fuzz soak
+#   scripts/check.sh STEP...     some of these, or: compilers
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -60,6 +60,7 @@ check_analysis() {
         --header-filter="^$PWD/($product_rooms_pattern)/" 2>/dev/null
 }
 
+check_compilers() { scripts/build-compilers.sh; }
 check_fuzz() { scripts/fuzz.sh 60; }
 check_soak() { scripts/soak.sh 2; }
 
