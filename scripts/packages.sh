@@ -16,6 +16,13 @@ arm64_packages=(g++-aarch64-linux-gnu qemu-user-static qtbase5-dev:arm64 libqt5w
     libsm-dev:arm64)
 packaging_packages=(dpkg-dev file rpm binutils python3)
 packaging_check_packages=(lintian rpm rpmlint)
+# The desktops' own panels, by the names that scripts/test-panels.sh has for them. UKUI's panel reads the settings of the
+# other packages of its desktop.
+declare -A panel_packages=(
+    [ukui]='ukui-panel qt5-ukui-platformtheme ukui-themes ukui-settings-daemon-common ukui-control-center'
+    [xfce]='xfce4-panel'
+    [sway]='sway waybar qtwayland5'
+)
 format_packages=(clang-format-14 shellcheck)
 lint_packages=(clang python3-clang-14)
 fuzz_packages=("${isolation_packages[@]}" clang libclang-rt-dev)

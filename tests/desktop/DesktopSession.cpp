@@ -244,11 +244,16 @@ bool DesktopSession::startStatusNotifierHost()
            && QTest::qWaitFor([this] { return hasStatusNotifierHost(); }, patienceMs);
 }
 
+bool DesktopSession::isNameOnTheBus(const QString &name) const
+{
+    return QDBusConnection(busAddress()).interface()->isServiceRegistered(name);
+}
+
 bool DesktopSession::hasStatusNotifierHost() const
 {
-    const QDBusConnection bus(busAddress());
-    if (!bus.interface()->isServiceRegistered(QLatin1String(watcherService)))
+    if (!isNameOnTheBus(QLatin1String(watcherService)))
         return false;
+    const QDBusConnection bus(busAddress());
     const QDBusInterface watcher(QLatin1String(watcherService), QStringLiteral("/StatusNotifierWatcher"),
                                  QLatin1String(watcherService), bus);
     return watcher.property("IsStatusNotifierHostRegistered").toBool();
@@ -291,6 +296,8 @@ QRect DesktopSession::iconArea() const
     int orangePixels = 0;
     for (int y = 0; y < screen.height(); ++y) {
         for (int x = 0; x < screen.width(); ++x) {
+            if (!m_background.isNull() && screen.pixel(x, y) == m_background.pixel(x, y))
+                continue;
             const QColor colour(screen.pixel(x, y));
             if (isPadBlue(colour)) {
                 blue |= QRect(x, y, 1, 1);

@@ -45,12 +45,16 @@ public:
     /// A StatusNotifier host in the same place; returns once it is registered on the bus.
     bool startStatusNotifierHost();
     bool hasStatusNotifierHost() const;
+    bool isNameOnTheBus(const QString &name) const;
     /// Whether the process has connected to the session bus.
     bool isOnTheBus(qint64 process) const;
 
     QImage screenshot() const;
     /// Keeps a picture of the screen among the test's outputs.
     bool keepScreenshot(const QString &name) const;
+    /// Takes what the screen shows now for its background, in which no icon is looked for.
+    void takeScreenAsBackground() { m_background = screenshot(); }
+    QImage background() const { return m_background; }
     /// The area in which the program's icon shows; empty when it is nowhere on the screen.
     QRect iconArea() const;
     bool waitForIcon(int timeoutMs = patienceMs) const;
@@ -80,6 +84,7 @@ private:
 
     QTemporaryDir m_directory;
     QProcessEnvironment m_environment;
+    QImage m_background;                              ///< null until one is taken
     std::vector<std::unique_ptr<QProcess>> m_helpers; ///< in order of their start
     bool m_usable = false;
 };
