@@ -265,7 +265,7 @@ export interface ConnectOptions {
 	signal?: AbortSignal;
 }
 export interface WatchOptions {
-	/** Milliseconds between two looks at the pad. Default 40. */
+	/** Milliseconds from one look at the pad to the next; a look that takes longer is followed at once. Default 40. */
 	interval?: number;
 	/** Ends the loop without an error. */
 	signal?: AbortSignal;

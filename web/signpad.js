@@ -554,9 +554,10 @@ async function* followPad(pad, freshStarts, interval, options) {
   let seen = {};
   let presenceCheckedAt = -Infinity;
   while (!((_a = options.signal) == null ? void 0 : _a.aborted)) {
-    if (performance.now() - presenceCheckedAt >= PRESENCE_CHECK_MS) {
+    const lookedAt = performance.now();
+    if (lookedAt - presenceCheckedAt >= PRESENCE_CHECK_MS) {
       if (!await pad.isValid(options)) throw new SignPadError("pad-missing", "The pad is no longer there");
-      presenceCheckedAt = performance.now();
+      presenceCheckedAt = lookedAt;
     }
     const start = freshStarts();
     if (start !== seen.start) seen = { start };
@@ -566,7 +567,7 @@ async function* followPad(pad, freshStarts, interval, options) {
     const isNews = key !== seen.key || !sameInk(points2, seen.points);
     seen = { start, key, points: points2 };
     if (isNews) yield { points: points2, key };
-    await delay(interval, options.signal);
+    await delay(Math.max(lookedAt + interval - performance.now(), 0), options.signal);
   }
 }
 

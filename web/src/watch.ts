@@ -4,7 +4,7 @@ import { SignPadError } from './errors.js';
 import { delay } from './surroundings.js';
 
 export interface WatchOptions {
-  /** Milliseconds between two looks at the pad. Default 40. */
+  /** Milliseconds from one look at the pad to the next; a look that takes longer is followed at once. Default 40. */
   interval?: number;
   /** Ends the loop without an error. */
   signal?: AbortSignal;
@@ -42,9 +42,10 @@ export async function* followPad(
   let seen: Seen = {};
   let presenceCheckedAt = -Infinity;
   while (!options.signal?.aborted) {
-    if (performance.now() - presenceCheckedAt >= PRESENCE_CHECK_MS) {
+    const lookedAt = performance.now();
+    if (lookedAt - presenceCheckedAt >= PRESENCE_CHECK_MS) {
       if (!await pad.isValid(options)) throw new SignPadError('pad-missing', 'The pad is no longer there');
-      presenceCheckedAt = performance.now();
+      presenceCheckedAt = lookedAt;
     }
     const start = freshStarts();
     if (start !== seen.start) seen = { start };
@@ -55,6 +56,6 @@ export async function* followPad(
     const isNews = key !== seen.key || !sameInk(points, seen.points);
     seen = { start, key, points };
     if (isNews) yield { points, key };
-    await delay(interval, options.signal);
+    await delay(Math.max(lookedAt + interval - performance.now(), 0), options.signal);
   }
 }

@@ -6,7 +6,7 @@ export const reply = (API, Result) => JSON.stringify({ API, Result });
 /**
  * `answer(request, socket)` returns the text to send back (or a promise of it), or undefined to stay silent; `request`
  * is the API name with its query. A client is let in when the promise of `admit()` is kept. `requests` holds all that
- * came, whole.
+ * came, whole; after `settled()` it has all that the clients have sent.
  */
 export async function startMockService(answer = () => undefined, { port = 0, admit = async () => undefined } = {}) {
   const verifyClient = (_, decide) => admit().then(() => decide(true));
@@ -28,6 +28,10 @@ export async function startMockService(answer = () => undefined, { port = 0, adm
     address: server.address().family === 'IPv6' ? `[${server.address().address}]` : server.address().address,
     requests,
     sendToAll: (text) => server.clients.forEach((socket) => socket.send(text)),
+    settled: () => Promise.all(Array.from(server.clients, (socket) => new Promise((resolve) => {
+      socket.once('pong', resolve); // comes behind what the client has sent
+      socket.ping();
+    }))),
     dropClients: () => server.clients.forEach((socket) => socket.terminate()),
     stop: () => new Promise((resolve) => {
       server.clients.forEach((socket) => socket.terminate());
