@@ -4,6 +4,8 @@ set(CPACK_RPM_COMPONENT_INSTALL ON)
 set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
 set(CPACK_RPM_PACKAGE_LICENSE "Proprietary")
 set(CPACK_RPM_PACKAGE_GROUP "Applications/Productivity")
+# cpack's own template gives every package six empty scripts, for which rpm then asks for a shell.
+set(CPACK_RPM_USER_BINARY_SPECFILE "${CMAKE_CURRENT_SOURCE_DIR}/package.spec.in")
 set(CPACK_RPM_COMPRESSION_TYPE gzip) # the oldest rpm knows no newer one
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
     set(CPACK_RPM_PACKAGE_ARCHITECTURE aarch64)
@@ -12,16 +14,9 @@ endif()
 # Directories that belong to the system.
 set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
     /opt /usr/share/applications /usr/share/bash-completion /usr/share/bash-completion/completions /usr/share/icons
-    /usr/share/icons/hicolor /usr/share/icons/hicolor/48x48 /usr/share/icons/hicolor/48x48/apps /usr/share/icons/hicolor/scalable /usr/share/icons/hicolor/scalable/apps
-    /usr/share/lintian /usr/share/lintian/overrides /usr/share/man /usr/share/man/man1
-    /usr/share/man/zh_CN /usr/share/man/zh_CN/man1)
-
-# The same source makes the same package, whenever and wherever it is built.
-set(CPACK_RPM_SPEC_MORE_DEFINE "%global _buildhost mvsignpad
-%global use_source_date_epoch_as_buildtime 1
-%global clamp_mtime_to_source_date_epoch 1
-%global _build_id_links none
-%global packager ${CPACK_PACKAGE_CONTACT}")
+    /usr/share/icons/hicolor /usr/share/icons/hicolor/48x48 /usr/share/icons/hicolor/48x48/apps
+    /usr/share/icons/hicolor/scalable /usr/share/icons/hicolor/scalable/apps /usr/share/lintian
+    /usr/share/lintian/overrides /usr/share/man /usr/share/man/man1 /usr/share/man/zh_CN /usr/share/man/zh_CN/man1)
 
 # Debian's changelog in rpm's form.
 file(STRINGS changelog debian_changelog)
@@ -48,4 +43,3 @@ set(CPACK_RPM_MVSIGNPAD_PACKAGE_REQUIRES /usr/bin/pgrep) # finds a copy that is 
 set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_NAME mvsignpad-virtual)
 set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_SUMMARY "${virtual_synopsis}")
 set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_DESCRIPTION "${virtual_description}")
-set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_AUTOPROV no) # it does not stand in for the maker's library by itself

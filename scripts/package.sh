@@ -9,26 +9,15 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 native=$(dpkg --print-architecture)
 
-# build_packages_for ARCHITECTURE: leaves its four packages in the shared directory.
-build_packages_for() {
-    local build=build-package-$1 toolchain=()
-    if [ "$1" != "$native" ]; then
-        toolchain=(-DCMAKE_TOOLCHAIN_FILE=cmake/toolchain-aarch64.cmake)
-    fi
-    cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_TESTING=OFF "${toolchain[@]}"
-    cmake --build "$build"
-    scripts/check-symbols.py "$build"/bin/{mvsignpadsdk_wssvr,mvsignctl,libmvsignpadsdk.so}
-    (cd "$build" && cpack -G 'DEB;RPM' -B packages)
-    cp "$build"/packages/*.{deb,rpm} /share/
-}
-
 if [ "${1-}" = --inside ]; then
     shift
     # The same release of each library for both architectures: the later updates are not there for all.
     sed -i '/-security\|-updates/d' /etc/apt/sources.list
-    install_missing "${build_packages[@]}" "${packaging_packages[@]}"
-    [ "$*" = "$native" ] || install_arm64_tools
-    for architecture in "$@"; do build_packages_for "$architecture"; done
+    for architecture in "$@"; do
+        scripts/build-packages.sh "$architecture"
+        tests/packaging/test_rpm.py "build-package-$architecture" RpmTest
+        cp "build-package-$architecture"/packages/*.{deb,rpm} /share/
+    done
     exit
 fi
 
@@ -42,12 +31,10 @@ for architecture in "${architectures[@]}"; do
 done
 install_missing "${packaging_check_packages[@]}"
 
-# The times in the packages are those of the commit, so that the same source makes the same packages.
-epoch=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 rm -rf dist
 mkdir dist
 scripts/root.sh --share dist bullseye "$native" \
-    env SOURCE_DATE_EPOCH="$epoch" scripts/package.sh --inside "${architectures[@]}"
+    env SOURCE_DATE_EPOCH="$(source_date)" scripts/package.sh --inside "${architectures[@]}"
 lintian --fail-on error dist/*.deb
 rpmlint --config packaging/rpmlint.toml dist/*.rpm
 ls -l dist/

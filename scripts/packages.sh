@@ -63,3 +63,6 @@ install_arm64_tools() {
     dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
     install_missing "${arm64_packages[@]}"
 }
+
+# The time that the packages of the last commit bear, so that the same source makes the same packages.
+source_date() { echo "${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}"; }
