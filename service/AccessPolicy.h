@@ -1,21 +1,29 @@
 #pragma once
 
+#include "service/OriginAnswers.h"
+
 #include <QHostAddress>
 #include <QStringList>
 
 #include <optional>
+
+/// What becomes of pages of origins about which nobody has said anything.
+enum class UnknownOrigins { Allow, Block, Ask };
 
 /// Who may reach the service. As it stands here: everybody.
 struct AccessPolicy {
     bool bServesAnybody = true;                ///< false: the service does not listen at all
     QString strClosedReason;                   ///< why it does not, in one line of English
     std::optional<QHostAddress> listenAddress; ///< absent: every interface
-    std::optional<QStringList> allowedOrigins; ///< absent: all
+    std::optional<QStringList> allowedOrigins; ///< absent: none is named
     bool bRequireOrigin = false;               ///< whether a client without an origin is turned away
     std::optional<QStringList> saveFolders;    ///< absolute; where clients may have files written; absent: anywhere
+    std::optional<UnknownOrigins>
+        unknownOrigins;          ///< absent: what allowedOrigins does not name is blocked, if it is there
+    OriginAnswers originAnswers; ///< as they were when the settings were read
 
-    /// Whether any client can be turned away for its origin.
-    bool LooksAtOrigins() const { return bRequireOrigin || allowedOrigins; }
-    /// The origin as the client's handshake names it, compared exactly; empty when it names none, as programs do.
-    bool AllowsOrigin(const QString &strOrigin) const;
+    UnknownOrigins ForUnknownOrigins() const
+    {
+        return unknownOrigins.value_or(allowedOrigins ? UnknownOrigins::Block : UnknownOrigins::Allow);
+    }
 };

@@ -53,6 +53,20 @@ bool TakeSaveFolders(const QVariant &value, AccessPolicy &policy)
     return TakeList(value, QStringLiteral("/.*"), policy.saveFolders);
 }
 
+bool TakeUnknownOrigins(const QVariant &value, AccessPolicy &policy)
+{
+    static const struct {
+        const char *szValue;
+        UnknownOrigins meaning;
+    } meanings[] = {{"allow", UnknownOrigins::Allow}, {"block", UnknownOrigins::Block}, {"ask", UnknownOrigins::Ask}};
+    policy.unknownOrigins.reset(); // the last word may be one that is not understood
+    for (const auto &each : meanings) {
+        if (value.type() == QVariant::String && value.toString() == QLatin1String(each.szValue))
+            policy.unknownOrigins = each.meaning;
+    }
+    return policy.unknownOrigins.has_value();
+}
+
 bool TakeRequireOrigin(const QVariant &value, AccessPolicy &policy)
 {
     const QString strFlag = value.toString();
@@ -64,6 +78,7 @@ const AccessKey accessKeys[] = {
     {"ListenAddress", "one IP address in full", TakeListenAddress},
     {"AllowedOrigins", "a list of origins such as https://sign.example.org", TakeAllowedOrigins},
     {"RequireOrigin", "true or false", TakeRequireOrigin},
+    {"UnknownOrigins", "allow, block or ask", TakeUnknownOrigins},
     {"SaveFolders", "a list of folders such as /tmp", TakeSaveFolders},
 };
 
@@ -101,6 +116,13 @@ Flaw FormerGroupIn(const QString &strPath)
     return text.contains("Access") ? Flaw("the group Access belongs into ") + accessSettingsName + ".conf" : Flaw();
 }
 
+Flaw TakeOriginAnswers(AccessPolicy &policy)
+{
+    const std::optional<OriginAnswers> answers = OriginAnswers::Read();
+    policy.originAnswers = answers.value_or(OriginAnswers());
+    return answers ? Flaw() : Flaw("it cannot be read, or something in it is not understood");
+}
+
 bool IsWithout(const Flaw &flaw, const QString &strPath, AccessPolicy &policy)
 {
     if (!flaw.isEmpty())
@@ -118,9 +140,10 @@ AccessPolicy ReadAccessPolicy()
     policy.bServesAnybody =
         std::all_of(formerPaths.begin(), formerPaths.end(),
                     [&policy](const QString &strPath) { return IsWithout(FormerGroupIn(strPath), strPath, policy); })
-        && std::all_of(paths.begin(), paths.end(), [&policy](const QString &strPath) {
-               return IsWithout(TakeFile(strPath, policy), strPath, policy);
-           });
+        && std::all_of(
+            paths.begin(), paths.end(),
+            [&policy](const QString &strPath) { return IsWithout(TakeFile(strPath, policy), strPath, policy); })
+        && IsWithout(TakeOriginAnswers(policy), OriginAnswers::Path(), policy);
     return policy;
 }
 

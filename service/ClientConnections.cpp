@@ -45,3 +45,21 @@ void ClientConnections::SendPush(const QWebSocket *pClient, const QByteArray &te
         pConnection->SendPush(text);
     m_pHeapTrimmer->TrimSoon();
 }
+
+void ClientConnections::HoldRequests(const QWebSocket *pClient)
+{
+    if (ClientSocket *const pConnection = OpenConnection(pClient))
+        pConnection->HoldUntilReleased();
+}
+
+void ClientConnections::ReleaseRequests(const QWebSocket *pClient)
+{
+    if (ClientSocket *const pConnection = OpenConnection(pClient))
+        pConnection->Release();
+}
+
+bool ClientConnections::HasLeft(const QWebSocket *pClient) const
+{
+    const ClientSocket *const pConnection = OpenConnection(pClient);
+    return pConnection == nullptr || pConnection->HasPeerFinished();
+}

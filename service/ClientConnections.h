@@ -32,6 +32,12 @@ public:
     void SendReply(const QWebSocket *pClient, MessageKind kind, const QByteArray &message);
     void SendPush(const QWebSocket *pClient, const QByteArray &text);
 
+    /// Lets the client's requests wait, unread, until they are released.
+    void HoldRequests(const QWebSocket *pClient);
+    void ReleaseRequests(const QWebSocket *pClient);
+    /// Whether the client has ended the connection, or its side of it; to be asked while its requests are held.
+    bool HasLeft(const QWebSocket *pClient) const;
+
 private:
     ClientSocket *OpenConnection(const QWebSocket *pClient) const;
 

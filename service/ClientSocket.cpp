@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <linux/sockios.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 
 namespace {
@@ -90,6 +91,24 @@ void ClientSocket::NoteWritten()
         QMetaObject::invokeMethod(this, "ReleaseRequests", Qt::QueuedConnection); // the others' turn comes first
 }
 
+void ClientSocket::HoldUntilReleased()
+{
+    m_bHeldUntilReleased = true;
+    HoldRequests();
+}
+
+void ClientSocket::Release()
+{
+    m_bHeldUntilReleased = false;
+    ReleaseRequests();
+}
+
+bool ClientSocket::HasPeerFinished() const
+{
+    pollfd connection{static_cast<int>(socketDescriptor()), POLLRDHUP, 0};
+    return ::poll(&connection, 1, 0) != 0;
+}
+
 void ClientSocket::HoldRequests()
 {
     if (m_bRequestsHeld || state() != ConnectedState)
@@ -108,7 +127,7 @@ void ClientSocket::HoldRequests()
 
 void ClientSocket::ReleaseRequests()
 {
-    if (!m_bRequestsHeld || bytesToWrite() > 0 || state() != ConnectedState)
+    if (!m_bRequestsHeld || m_bHeldUntilReleased || bytesToWrite() > 0 || state() != ConnectedState)
         return;
     m_bRequestsHeld = false;
     if (m_bBufferFilled)

@@ -27,6 +27,12 @@ public:
     /// Sends a text that the client has not asked for. A client for which too many wait already is cut off instead.
     void SendPush(const QByteArray &text);
 
+    /// Lets the requests wait, whatever is sent, until they are released.
+    void HoldUntilReleased();
+    void Release();
+    /// Whether the client will send nothing more, which is not noticed otherwise while the requests wait.
+    bool HasPeerFinished() const;
+
     /// 0 while the requests wait.
     qint64 bytesAvailable() const override;
 
@@ -51,5 +57,6 @@ private:
     qint64 m_nTaken = 0; // of these, by the client's machine when the deadline began
     qint64 m_nPushesWaiting = 0;
     bool m_bRequestsHeld = false;
+    bool m_bHeldUntilReleased = false;
     bool m_bBufferFilled = false; // with a byte of our own
 };

@@ -79,8 +79,18 @@ bool OriginAnswers::Forget(const QString &strOrigin)
     return Change(strOrigin, nullptr);
 }
 
-/// Puts the origin on that list alone; null is none.
-bool OriginAnswers::Change(const QString &strOrigin, QStringList OriginAnswers::*list)
+/// Puts the origin on that list and no other; null is none.
+void OriginAnswers::PutOn(List list, const QString &strOrigin)
+{
+    for (const List each : {&OriginAnswers::m_allowed, &OriginAnswers::m_blocked}) {
+        if (each != list)
+            (this->*each).removeAll(strOrigin);
+        else if (!(this->*each).contains(strOrigin))
+            (this->*each).append(strOrigin);
+    }
+}
+
+bool OriginAnswers::Change(const QString &strOrigin, List list)
 {
     // Not the name of the lock that QSettings takes itself for each writing.
     QLockFile lock(Path() + QStringLiteral(".change"));
@@ -90,12 +100,7 @@ bool OriginAnswers::Change(const QString &strOrigin, QStringList OriginAnswers::
     if (!before)
         return false;
     OriginAnswers after = *before;
-    for (QStringList OriginAnswers::*const each : {&OriginAnswers::m_allowed, &OriginAnswers::m_blocked}) {
-        if (each != list)
-            (after.*each).removeAll(strOrigin);
-        else if (!(after.*each).contains(strOrigin))
-            (after.*each).append(strOrigin);
-    }
+    after.PutOn(list, strOrigin);
     return (after.m_allowed == before->m_allowed && after.m_blocked == before->m_blocked) || after.Write();
 }
 

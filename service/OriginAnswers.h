@@ -27,8 +27,15 @@ public:
     const QStringList &Allowed() const { return m_allowed; } ///< always; in the order of the answers
     const QStringList &Blocked() const { return m_blocked; } ///< never; likewise
 
+    /// The same in this object alone.
+    void SetAllowed(const QString &strOrigin) { PutOn(&OriginAnswers::m_allowed, strOrigin); }
+    void SetBlocked(const QString &strOrigin) { PutOn(&OriginAnswers::m_blocked, strOrigin); }
+
 private:
-    static bool Change(const QString &strOrigin, QStringList OriginAnswers::*list);
+    using List = QStringList OriginAnswers::*;
+
+    static bool Change(const QString &strOrigin, List list);
+    void PutOn(List list, const QString &strOrigin);
     bool Write() const;
 
     QStringList m_allowed;

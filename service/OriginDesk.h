@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/OriginRefusals.h"
+
 #include <QMetaType>
 #include <QObject>
 #include <QString>
@@ -27,6 +29,9 @@ public:
     /// Whether anybody listens to questions. Any thread.
     bool CanAsk() const;
 
+    /// For the thread of the running service alone; here since they outlive the service.
+    OriginRefusals &Refusals() { return m_refusals; }
+
 Q_SIGNALS:
     /// A page of this origin waits for an answer; not emitted again before it was answered or withdrawn. Emitted on the
     /// service's thread.
@@ -41,4 +46,7 @@ Q_SIGNALS:
     /// OriginAnswers was changed by other means: the service reads it anew, and connections whose origin is blocked now
     /// end. Emitted on the main thread.
     void answersChanged();
+
+private:
+    OriginRefusals m_refusals;
 };

@@ -6,6 +6,7 @@
 #include "device/InkJson.h"
 #include "device/SignObjManager.h"
 #include "sdk/SdkNumbers.h"
+#include "service/ClientAdmission.h"
 #include "service/ClientConnections.h"
 #include "service/CommandTable.h"
 #include "service/PushCallbacks.h"
@@ -49,7 +50,7 @@ QByteArray ReplyEnvelope(const QString &strAPI, const QString &strResult)
 } // namespace
 
 WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy accessPolicy,
-                                   ServiceStatusSource *pStatusSource)
+                                   ServiceStatusSource *pStatusSource, OriginDesk *pOriginDesk)
     : QObject(parent), m_pWebSocketServer(new QWebSocketServer(QStringLiteral("MVSignPadSDK - WebSocketServer"),
                                                                QWebSocketServer::NonSecureMode, this)),
       m_nPort(port), m_accessPolicy(std::move(accessPolicy)), m_pStatusTimer(new QTimer(this)),
@@ -68,7 +69,7 @@ WebSocketService::WebSocketService(quint16 port, QObject *parent, AccessPolicy a
                               .arg(QStringLiteral("ws://localhost:"))
                               .arg(port)
                               .arg(QStringLiteral("/MVSignSDK/"));
-        m_pConnections = new ClientConnections(m_pWebSocketServer);
+        OpenDoors(pOriginDesk);
         SetupMVSignPadSDKAPINameList();
         m_pSignObjMgr = std::make_unique<SignObjManager>(m_accessPolicy.saveFolders);
         MV_LOG_INSIDE_THREAD(tag, "m_pSignObjMgr=%lx", reinterpret_cast<unsigned long>(m_pSignObjMgr.get()));
@@ -81,8 +82,9 @@ WebSocketService::~WebSocketService()
     static const char tag[] = "WebSocketService::~WebSocketService()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
     EndPushes(*this);
-    for (QWebSocket *pClient : qAsConst(m_clients)) {
-        pClient->disconnect(this); // closing it would otherwise edit the list that is being walked
+    const QList<QWebSocket *> clients = findChildren<QWebSocket *>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWebSocket *pClient : clients) { // also those who wait to be let in, or were not
+        pClient->disconnect(this);        // closing it would otherwise edit the list that is being walked
         delete pClient;
     }
     m_pSignObjMgr.reset();
@@ -99,9 +101,6 @@ bool WebSocketService::Listen()
         m_status.strReason = m_accessPolicy.strClosedReason;
         return false;
     }
-    if (m_accessPolicy.LooksAtOrigins())
-        connect(m_pWebSocketServer, &QWebSocketServer::originAuthenticationRequired, this,
-                &WebSocketService::CheckOrigin);
     // By default every interface, although the URL that it serves says "localhost": on purpose.
     const bool bListening =
         m_pWebSocketServer->listen(m_accessPolicy.listenAddress.value_or(QHostAddress::Any), m_nPort);
@@ -146,9 +145,18 @@ void WebSocketService::TellStatusSoon()
         m_pStatusTimer->start();
 }
 
-void WebSocketService::CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const
+void WebSocketService::OpenDoors(OriginDesk *pOriginDesk)
 {
-    pAuthenticator->setAllowed(m_accessPolicy.AllowsOrigin(pAuthenticator->origin()));
+    m_pConnections = new ClientConnections(m_pWebSocketServer);
+    m_pAdmission = new ClientAdmission(m_accessPolicy, pOriginDesk, *m_pConnections, this);
+    connect(m_pWebSocketServer, &QWebSocketServer::originAuthenticationRequired, m_pAdmission,
+            [this](QWebSocketCorsAuthenticator *pAuthenticator) {
+                pAuthenticator->setAllowed(m_pAdmission->AcceptsHandshake(pAuthenticator->origin()));
+            });
+    connect(m_pAdmission, &ClientAdmission::admitted, this, [this](QWebSocket *pClient) {
+        m_clients.append(pClient);
+        TellStatusSoon();
+    });
 }
 
 void WebSocketService::SetupMVSignPadSDKAPINameList()
@@ -173,8 +181,7 @@ void WebSocketService::onNewConnection()
         connect(pClient, &QWebSocket::binaryMessageReceived, this, &WebSocketService::processBinaryMessage);
         connect(pClient, &QWebSocket::disconnected, this, &WebSocketService::socketDisconnected);
         LimitIncomingMessages(*pClient, nLongestMessage);
-        m_clients.append(pClient);
-        TellStatusSoon();
+        m_pAdmission->Enter(pClient);
     }
     MV_LOG_INSIDE_THREAD(tag, "Leave !");
 }
@@ -186,6 +193,7 @@ void WebSocketService::socketDisconnected()
     if (QWebSocket *pClient = qobject_cast<QWebSocket *>(sender())) {
         m_clients.removeAll(pClient);
         TellStatusSoon();
+        m_pAdmission->Leave(pClient);
         m_pConnections->Remove(pClient);
         pClient->deleteLater();
     }

@@ -12,11 +12,12 @@
 
 #include <memory>
 
+class ClientAdmission;
 class ClientConnections;
 class QWebSocket;
-class QWebSocketCorsAuthenticator;
 class QTimer;
 class QWebSocketServer;
+class OriginDesk;
 class ServiceStatusSource;
 class SignObjManager;
 
@@ -28,9 +29,9 @@ class WebSocketService : public QObject
 
 public:
     /// Listens where the policy says. When the port cannot be had the object exists, but serves nobody.
-    /// The status source, which the caller keeps, outlives the service; it may be null.
+    /// Status source and desk, which the caller keeps, outlive the service; without a desk nobody can be asked.
     explicit WebSocketService(quint16 port, QObject *parent = nullptr, AccessPolicy accessPolicy = {},
-                              ServiceStatusSource *pStatusSource = nullptr);
+                              ServiceStatusSource *pStatusSource = nullptr, OriginDesk *pOriginDesk = nullptr);
     /// Deletes the clients first, then the manager, which closes the pad, then stops listening.
     ~WebSocketService() override;
 
@@ -60,7 +61,7 @@ private:
     void NoteListening(bool bListening);
     /// After a change, but not for each of many.
     void TellStatusSoon();
-    void CheckOrigin(QWebSocketCorsAuthenticator *pAuthenticator) const;
+    void OpenDoors(OriginDesk *pOriginDesk);
     void SetupMVSignPadSDKAPINameList();
     int RecognisedCommand(const QString &strMsg) const;
     QByteArray ProcessMVSignSDKWebSocketAPICommand(const QString &strMsg);
@@ -69,6 +70,7 @@ private:
     _STRUCT_WPS_SETTINGS_INIDATA m_WPSSettings;
     QWebSocketServer *m_pWebSocketServer;        // child of the service
     ClientConnections *m_pConnections = nullptr; // child of the server; null when listening failed
+    ClientAdmission *m_pAdmission = nullptr;     // child; likewise
     QList<QWebSocket *> m_clients;               // owned, in the order of connection
     quint16 m_nPort;
     AccessPolicy m_accessPolicy;

@@ -23,9 +23,9 @@ void StopTimers(QObject *pObject)
 } // namespace
 
 WebSocketThread::WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy,
-                                 ServiceStatusSource *pStatusSource)
+                                 ServiceStatusSource *pStatusSource, OriginDesk *pOriginDesk)
     : QThread(parent), m_nWebSocketPort(nWebSocketPort), m_accessPolicy(std::move(accessPolicy)),
-      m_pStatusSource(pStatusSource)
+      m_pStatusSource(pStatusSource), m_pOriginDesk(pOriginDesk)
 {
     static const char tag[] = "WebSocketThread::WebSocketThread()";
     MV_LOG_INSIDE_THREAD(tag, "Enter, nWebSocketPort=%d", nWebSocketPort);
@@ -48,7 +48,7 @@ void WebSocketThread::run()
     static const char tag[] = "WebSocketThread::run()";
     MV_LOG_INSIDE_THREAD(tag, "Enter...");
     m_pWebSocketService = std::make_unique<WebSocketService>(static_cast<quint16>(m_nWebSocketPort), nullptr,
-                                                             m_accessPolicy, m_pStatusSource);
+                                                             m_accessPolicy, m_pStatusSource, m_pOriginDesk);
     m_pWebSocketService->TellStatus();
     MV_LOG_INSIDE_THREAD(tag, "b4 call exec()...");
     exec();

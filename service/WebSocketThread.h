@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class OriginDesk;
 class ServiceStatusSource;
 class WebSocketService;
 
@@ -15,9 +16,9 @@ class WebSocketThread : public QThread
     Q_OBJECT
 
 public:
-    /// The status source, which the caller keeps, outlives this; it may be null.
+    /// Status source and desk, which the caller keeps, outlive this; either may be null.
     WebSocketThread(QObject *parent, int nWebSocketPort, AccessPolicy accessPolicy = {},
-                    ServiceStatusSource *pStatusSource = nullptr);
+                    ServiceStatusSource *pStatusSource = nullptr, OriginDesk *pOriginDesk = nullptr);
     /// Deletes the service, on the deleting thread. The thread must have ended.
     ~WebSocketThread() override;
 
@@ -29,4 +30,5 @@ private:
     int m_nWebSocketPort;
     AccessPolicy m_accessPolicy;
     ServiceStatusSource *m_pStatusSource;
+    OriginDesk *m_pOriginDesk;
 };

@@ -168,7 +168,8 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     static const char tag[] = "SysTrayMenuMgr::OpenWebSocketService()";
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
     if (bOpenService && !m_pWebSocketThread) {
-        m_pWebSocketThread = new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy(), &m_statusSource);
+        m_pWebSocketThread =
+            new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy(), &m_statusSource, &m_originDesk);
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
     } else if (!bOpenService && m_pWebSocketThread) {

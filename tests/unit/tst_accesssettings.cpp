@@ -19,6 +19,7 @@ private Q_SLOTS:
     void wrongValueClosesTheDoor();
     void wrongFileOfTheMachineClosesTheDoor();
     void fileThatCannotBeReadClosesTheDoor();
+    void answersOfTheUserAreRead();
     void formerGroupClosesTheDoor_data();
     void formerGroupClosesTheDoor();
     void organizationHasNoSay();
@@ -63,9 +64,10 @@ void AccessSettingsTest::nothingConfiguredServesAnybody()
     const AccessPolicy policy = policyOf(file);
     QVERIFY(policy.bServesAnybody);
     QVERIFY(!policy.listenAddress);
-    QVERIFY(!policy.LooksAtOrigins());
-    QVERIFY(policy.AllowsOrigin(QStringLiteral("https://anybody.example")));
-    QVERIFY(policy.AllowsOrigin(QString()));
+    QVERIFY(!policy.allowedOrigins);
+    QVERIFY(!policy.unknownOrigins);
+    QCOMPARE(policy.ForUnknownOrigins(), UnknownOrigins::Allow);
+    QVERIFY(!policy.bRequireOrigin);
 }
 
 void AccessSettingsTest::valuesAreTakenOver()
@@ -86,6 +88,10 @@ void AccessSettingsTest::valuesAreTakenOver()
     QCOMPARE(*policyOf("[Access]\nSaveFolders=/tmp, /home/u/a b\n").saveFolders,
              (QStringList{QStringLiteral("/tmp"), QStringLiteral("/home/u/a b")}));
     QVERIFY(policyOf("[Access]\nSaveFolders=\n").saveFolders->isEmpty());
+    QVERIFY(policyOf("[Access]\nUnknownOrigins=allow\n").unknownOrigins == UnknownOrigins::Allow);
+    QVERIFY(policyOf("[Access]\nUnknownOrigins=block\n").unknownOrigins == UnknownOrigins::Block);
+    QVERIFY(policyOf("[Access]\nUnknownOrigins=ask\n").unknownOrigins == UnknownOrigins::Ask);
+    QVERIFY(policyOf("[Access]\nAllowedOrigins=\n").ForUnknownOrigins() == UnknownOrigins::Block);
 }
 
 void AccessSettingsTest::machineWideFileCounts()
@@ -114,6 +120,8 @@ void AccessSettingsTest::wrongValueClosesTheDoor_data()
         QTest::addRow("folders %s", wrong) << QByteArray("SaveFolders=") + wrong;
     for (const char *wrong : {"", "yes", "TRUE", "1", "true, false", "@Invalid()", "@ByteArray(true)"})
         QTest::addRow("flag %s", wrong) << QByteArray("RequireOrigin=") + wrong;
+    for (const char *wrong : {"", "Ask", "true", "ask, block", "always", "@Invalid()", "@ByteArray(ask)"})
+        QTest::addRow("unknown origins %s", wrong) << QByteArray("UnknownOrigins=") + wrong;
     for (const char *wrong : {"AllowedOrigin=https://a.example", "listenaddress=127.0.0.1", "x\\ListenAddress=::1",
                               "=::1", "\\=::1", "ListenAddress 127.0.0.1", "ListenAddress", "ListenAddress\\=::1",
                               "\"ListenAddress=::1\"", "[Acc\"ess]\nListenAddress=::1", "[Access\nListenAddress=::1"})
@@ -150,6 +158,21 @@ void AccessSettingsTest::fileThatCannotBeReadClosesTheDoor()
     // A folder in its place cannot be read by anybody, root neither.
     QVERIFY(QDir().mkpath(home.configFile(QStringLiteral("MVSignPadSDK_Access"))));
     QVERIFY(!LoadAccessPolicy().bServesAnybody);
+}
+
+void AccessSettingsTest::answersOfTheUserAreRead()
+{
+    const PrivateHome home;
+    useSettingsOf(home);
+    home.writeConfig(QStringLiteral("MVSignPadSDK_Origins"), "[Origins]\nBlocked=https://a.example, null\n");
+    QVERIFY(LoadAccessPolicy().bServesAnybody);
+    QCOMPARE(LoadAccessPolicy().originAnswers.Blocked(),
+             QStringList({QStringLiteral("https://a.example"), QStringLiteral("null")}));
+    home.writeConfig(QStringLiteral("MVSignPadSDK_Origins"), "[Origins]\nBlockd=https://a.example\n");
+    QVERIFY(!LoadAccessPolicy().bServesAnybody);
+    QCOMPARE(LoadAccessPolicy().strClosedReason,
+             home.configFile(QStringLiteral("MVSignPadSDK_Origins"))
+                 + QStringLiteral(": it cannot be read, or something in it is not understood"));
 }
 
 void AccessSettingsTest::formerGroupClosesTheDoor_data()

@@ -10,7 +10,8 @@ class RunningService
 {
 public:
     RunningService();
-    explicit RunningService(quint16 port, AccessPolicy accessPolicy = {});
+    /// The desk, if any, outlives this.
+    explicit RunningService(quint16 port, AccessPolicy accessPolicy = {}, OriginDesk *desk = nullptr);
     ~RunningService();
 
     quint16 port() const { return m_port; }
@@ -27,5 +28,6 @@ public:
 private:
     quint16 m_port;
     AccessPolicy m_accessPolicy;
+    OriginDesk *m_desk;
     std::unique_ptr<WebSocketThread> m_thread;
 };
