@@ -19,6 +19,30 @@ after(() => desktop?.stop());
 /** Runs in the page: why the client cannot connect. */
 const failure = (options) => window.MVSignPad.SignPad.connect(options).then(() => 'none', ({ code }) => code);
 
+/** An ink file of 5,000 points: the first 4,000 are there at once, the others come within five seconds. */
+async function longInk() {
+  const file = path.join(desktop.home, 'ink.json');
+  await writeFile(file, JSON.stringify(Array.from({ length: 5000 }, (_, i) => ({
+    Time: String(Math.max(i - 4000, 0) * 5), bStrokeEnd: String(Number(i % 500 === 499)), pressure: '500',
+    x: String(50 + i % 500), y: String(40 + Math.floor(i / 500) * 40),
+  }))));
+  return file;
+}
+
+/** Runs in the page: counts the pieces of line that it draws, and how often it shows new ink. */
+function countDrawing() {
+  const counts = window.counts = { strokes: 0, updates: 0 };
+  const { stroke } = CanvasRenderingContext2D.prototype;
+  CanvasRenderingContext2D.prototype.stroke = function () {
+    counts.strokes += 1;
+    stroke.call(this);
+  };
+  const points = document.getElementById('gauge-points');
+  new MutationObserver(() => {
+    if (Number(points.textContent) > 4000) counts.updates += 1;
+  }).observe(points, { childList: true });
+}
+
 /** What a user does and sees, in words that every browser understands. */
 const user = (tab) => ({
   press: (id) => tab.run((name) => document.getElementById(name).click(), id),
@@ -163,6 +187,19 @@ for (const name of chosen) {
       }, 'the fingerprint');
       await until(async () => (await visitor.ink('fingerprint-picture')).pixels > 500, 'its picture');
       await keepScreenshots('fingerprint');
+    });
+
+    test('stays fluent in a long signature', async () => {
+      await service.stop();
+      await visitor.waitFor('#notice-title', 'The connection was lost');
+      service = await startService(desktop, { port, virtual: { INK: await longInk() } });
+      await visitor.waitFor('#notice-title', 'Ready to sign');
+      await tab.run(countDrawing);
+      await visitor.press('notice-action');
+      await visitor.waitFor('#status', 'Signed: 5000 points in 10 strokes.');
+      const { strokes, updates } = await tab.run(() => window.counts);
+      assert.ok(updates >= 10, `the preview was renewed ${updates} times in five seconds`);
+      assert.ok(strokes >= 5000 && strokes < 5500, `${strokes} pieces drawn: each point once, most of them`);
     });
 
     test('leaves no error in the console', () => {
