@@ -26,6 +26,7 @@ const DECORATION = [
   '(forced-colors)', '(prefers-reduced-motion)', ':focus-visible', 'accent-color', 'color-scheme', 'color-scheme: dark',
   'color-scheme: light',
   'outline', // has square corners
+  'scrollbar-color',
   'text-wrap', 'text-wrap: balance',
 ];
 
