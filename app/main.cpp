@@ -37,6 +37,7 @@ int RunFirstInstance()
     SysTrayMenuMgr manager(nullptr);
     StatusOnBus statusOnBus;
     statusOnBus.Follow(manager.StatusSource());
+    QObject::connect(&statusOnBus, &StatusOnBus::originAnswersChanged, &manager.Desk(), &OriginDesk::answersChanged);
     QObject::connect(&manager, &SysTrayMenuMgr::closed, &QCoreApplication::quit);
     manager.Initialize();
     MV_LOG(tag, "after call SysTrayMenuMgr.Initialize()...");

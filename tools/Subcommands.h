@@ -32,6 +32,7 @@ QString SubcommandsHelp();
 
 int PrintStatus(const Invocation &invocation);
 int SwitchLog(const Invocation &invocation);
+int RuleAccess(const Invocation &invocation);
 int ExamineEverything(const Invocation &invocation);
 int ExamineLibrary(const Invocation &invocation);
 int WatchPad(const Invocation &invocation);

@@ -153,3 +153,8 @@ void StatusAdaptor::SetLog(bool On, const QDBusMessage &message)
 {
     m_pStatus->SetLog(On, message);
 }
+
+void StatusAdaptor::ReloadOrigins(const QDBusMessage &message)
+{
+    m_pStatus->ReloadOrigins(message);
+}

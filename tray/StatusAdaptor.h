@@ -69,6 +69,7 @@ public:
 
 public Q_SLOTS:
     void SetLog(bool On, const QDBusMessage &message);
+    void ReloadOrigins(const QDBusMessage &message);
 
 private:
     const ServiceStatus &Service() const;

@@ -92,6 +92,11 @@ void StatusOnBus::SetLog(bool bOn, const QDBusMessage &call)
     });
 }
 
+void StatusOnBus::ReloadOrigins(const QDBusMessage &call)
+{
+    ForOwnProcesses(call, [this] { Q_EMIT originAnswersChanged(); });
+}
+
 void StatusOnBus::ForOwnProcesses(const QDBusMessage &call, const std::function<void()> &action)
 {
     call.setDelayedReply(true);

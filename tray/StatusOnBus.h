@@ -28,6 +28,12 @@ public:
 
     /// Switches the diagnostic log, when the call comes from a process of the user's.
     void SetLog(bool bOn, const QDBusMessage &call);
+    /// Likewise has what was answered about origins read anew.
+    void ReloadOrigins(const QDBusMessage &call);
+
+Q_SIGNALS:
+    /// What was answered about origins is to be read anew.
+    void originAnswersChanged();
 
 private:
     void SetServiceStatus(const ServiceStatus &status);

@@ -71,6 +71,7 @@ private Q_SLOTS:
     void settingsFiles();
     void accessSettings_data();
     void accessSettings();
+    void answersOfTheUser();
     void addressOfTheSettings();
     void requiredOrigin();
     void serviceStopped();
@@ -445,6 +446,19 @@ void DoctorTest::accessSettings_data()
     QTest::newRow("no page")
         << QByteArray("[Access]\nAllowedOrigins=\n")
         << "ok   served are: every machine that reaches the port; no page; every program; files anywhere";
+    QTest::newRow("ask") << QByteArray("[Access]\nUnknownOrigins=ask\n")
+                         << "ok   served are: every machine that reaches the port; pages when the user allows it; "
+                            "every program; files anywhere";
+    QTest::newRow("some, and ask")
+        << QByteArray("[Access]\nUnknownOrigins=ask\nAllowedOrigins=https://a.example\n")
+        << "ok   served are: every machine that reaches the port; the pages of "
+           "https://a.example, others when the user allows it; every program; files anywhere";
+    QTest::newRow("block") << QByteArray("[Access]\nUnknownOrigins=block\n")
+                           << "ok   served are: every machine that reaches the port; no page; every program; files "
+                              "anywhere";
+    QTest::newRow("wrong answer to the unknown")
+        << QByteArray("[Access]\nUnknownOrigins=perhaps\n")
+        << "BAD  correct what keeps the service closed: FILE: UnknownOrigins is not allow, block or ask";
     QTest::newRow("folders")
         << QByteArray("[Access]\nSaveFolders=/tmp, /srv\n")
         << "ok   served are: every machine that reaches the port; every page; every program; files "
@@ -461,6 +475,29 @@ void DoctorTest::accessSettings()
     const QString path = config("MVSignPadSDK_Access");
     QVERIFY(writeFile(path, content));
     QCOMPARE(examine().about("access settings"), line.replace(QStringLiteral("FILE"), path));
+}
+
+void DoctorTest::answersOfTheUser()
+{
+    QVERIFY(writeFile(config("MVSignPadSDK_Origins"),
+                      "[Origins]\nAllowed=https://a.example\nBlocked=https://b.example, null\n"));
+    QCOMPARE(examine().about("access settings"),
+             QStringLiteral("ok   served are: every machine that reaches the port; every page, but none of "
+                            "https://b.example null; every program; files anywhere"));
+    QVERIFY(writeFile(config("MVSignPadSDK_Access"), "[Access]\nUnknownOrigins=ask\nRequireOrigin=true\n"));
+    QCOMPARE(
+        examine().about("access settings"),
+        QStringLiteral("ok   served are: every machine that reaches the port; the pages of https://a.example, others "
+                       "when the user allows it, but none of https://b.example null; programs that name an origin; "
+                       "files anywhere"));
+    QVERIFY(start());
+    QCOMPARE(examine().about("answer over IPv4"), QStringLiteral("ok   the service answers at 127.0.0.1"));
+    QVERIFY(writeFile(config("MVSignPadSDK_Origins"), "[Origins]\nBlocked=*\n"));
+    QCOMPARE(
+        examine().about("access settings"),
+        QStringLiteral("BAD  correct what keeps the service closed: %1: it cannot be read, or something in it is not "
+                       "understood")
+            .arg(config("MVSignPadSDK_Origins")));
 }
 
 void DoctorTest::addressOfTheSettings()

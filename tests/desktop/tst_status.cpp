@@ -326,8 +326,9 @@ void StatusTest::introspection()
     QCOMPARE(interface.count(QLatin1String("<property ")), 15);
     QCOMPARE(interface.count(QLatin1String("access=\"read\"")), 15);
     QVERIFY(interface.contains(QLatin1String("name=\"Clients\" type=\"a(ss)\"")));
-    QCOMPARE(interface.count(QLatin1String("<method ")), 1);
+    QCOMPARE(interface.count(QLatin1String("<method ")), 2);
     QVERIFY(interface.contains(QLatin1String("<method name=\"SetLog\">")));
+    QVERIFY(interface.contains(QLatin1String("<method name=\"ReloadOrigins\">")));
     QCOMPARE(interface.count(QLatin1String("<signal ")), 0);
 }
 

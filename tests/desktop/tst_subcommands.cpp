@@ -37,6 +37,10 @@ private Q_SLOTS:
     void statusWhileStopped();
     void statusOfNothing();
     void log();
+    void access();
+    void accessWithoutTheProgram();
+    void accessOfNoOrigin();
+    void accessOfAFileThatIsNotUnderstood();
     void portOfTheSettings();
     void portThatIsNone();
     void save_data();
@@ -201,6 +205,65 @@ void SubcommandsTest::log()
     QCOMPARE(loggedLines(threadLog()).size(), lines);
 }
 
+void SubcommandsTest::access()
+{
+    QVERIFY(start());
+    const auto page = QStringLiteral("https://page.example");
+    SignClient client;
+    QVERIFY(client.connectFrom(page, m_port));
+    const Outcome blocked = run({QStringLiteral("access"), QStringLiteral("block"), page});
+    QCOMPARE(blocked.status, 0);
+    QCOMPARE(blocked.output + blocked.errors, QString());
+    QVERIFY(client.waitForDisconnect());
+    QCOMPARE(client.socket().closeCode(), QWebSocketProtocol::CloseCodePolicyViolated);
+    QVERIFY(m_client->isConnected());
+    QVERIFY(!client.connectFrom(page, m_port));
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("list")}).output,
+             QStringLiteral("blocked: https://page.example\npages of other origins: served\n"));
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("forget"), page}).status, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(client.connectFrom(page, m_port), patienceMs);
+}
+
+void SubcommandsTest::accessWithoutTheProgram()
+{
+    const auto good = QStringLiteral("https://good.example");
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("allow"), good}).status, 0);
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("block"), QStringLiteral("null")}).status, 0);
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("list")}).output,
+             QStringLiteral("allowed where the user is asked, which is not so: https://good.example\n"
+                            "blocked: null\npages of other origins: served\n"));
+    QFile settings(QFileInfo(m_desktop->settingsFile()).path() + QStringLiteral("/MVSignPadSDK_Access.conf"));
+    QVERIFY(settings.open(QIODevice::WriteOnly));
+    settings.write("[Access]\nUnknownOrigins=ask\nAllowedOrigins=https://listed.example\n");
+    settings.close();
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("list")}).output,
+             QStringLiteral("allowed by the settings: https://listed.example\nallowed: https://good.example\n"
+                            "blocked: null\npages of other origins: the user is asked\n"));
+}
+
+void SubcommandsTest::accessOfNoOrigin()
+{
+    const Outcome shared = run({QStringLiteral("access"), QStringLiteral("allow"), QStringLiteral("null")});
+    QCOMPARE(shared.status, 2);
+    QCOMPARE(shared.errors,
+             QStringLiteral("mvsignctl: null stands for many pages, which cannot be allowed together\n"));
+    QVERIFY(!QFile::exists(QFileInfo(m_desktop->settingsFile()).path() + QStringLiteral("/MVSignPadSDK_Origins.conf")));
+}
+
+void SubcommandsTest::accessOfAFileThatIsNotUnderstood()
+{
+    QFile answers(QFileInfo(m_desktop->settingsFile()).path() + QStringLiteral("/MVSignPadSDK_Origins.conf"));
+    QVERIFY(answers.open(QIODevice::WriteOnly));
+    answers.write("[Origins]\nBlocked=*\n");
+    answers.close();
+    for (const QStringList &words : {QStringList{QStringLiteral("list")},
+                                     QStringList{QStringLiteral("block"), QStringLiteral("https://page.example")}}) {
+        const Outcome outcome = run(QStringList{QStringLiteral("access")} + words);
+        QCOMPARE(outcome.status, 2);
+        QVERIFY2(outcome.errors.contains(answers.fileName()), qPrintable(outcome.errors));
+    }
+}
+
 void SubcommandsTest::portOfTheSettings()
 {
     QVERIFY(start());
@@ -331,8 +394,11 @@ void SubcommandsTest::pushes()
 void SubcommandsTest::wrongUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    for (const char *words : {"log", "log up", "log on off", "status please", "save", "save file.txt",
-                              "save a.png b.png", "doctor all", "library", "GetSize --json", "doctor --json"})
+    for (const char *words :
+         {"log", "log up", "log on off", "status please", "save", "save file.txt", "save a.png b.png", "doctor all",
+          "access", "access list all", "access allow", "access open https://a.example", "access block a.example",
+          "access block https://a.example/", "access forget", "access allow null x", "library", "GetSize --json",
+          "doctor --json"})
         QTest::newRow(words) << QString::fromLatin1(words).split(QLatin1Char(' '));
 }
 

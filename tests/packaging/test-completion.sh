@@ -29,6 +29,8 @@ offers "SetPenColor SetPenStyle SetPenWidth" SetPen
 offers "R= G= B=" SetPenColor ""
 offers "type=" Encode ty
 offers "on off" log ""
+offers "list allow block forget" access ""
+offers "block" access b
 offers "Encode" --port 8089 --raw Enc
 offers "--timeout" --t
 offers "" --port ""

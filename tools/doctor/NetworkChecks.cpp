@@ -13,6 +13,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -82,19 +83,32 @@ bool IsServedAt(const QHostAddress &loopback, const AccessPolicy &access)
            || (loopback == QHostAddress::LocalHost ? listen == QHostAddress::AnyIPv4 : listen == QHostAddress::AnyIPv6);
 }
 
-/// What a program must say to be let in.
-QString OriginFor(const AccessPolicy &access)
+/// What a program must say to be let in without a question; absent when there is no such origin.
+std::optional<QString> OriginFor(const AccessPolicy &access)
 {
     if (!access.bRequireOrigin)
-        return {};
-    return access.allowedOrigins ? access.allowedOrigins->value(0) : QStringLiteral("http://localhost");
+        return QString();
+    const OriginAnswers &answers = access.originAnswers;
+    QStringList candidates = access.allowedOrigins.value_or(QStringList());
+    if (access.ForUnknownOrigins() == UnknownOrigins::Ask)
+        candidates += answers.Allowed();
+    if (access.ForUnknownOrigins() == UnknownOrigins::Allow)
+        candidates += QStringLiteral("http://localhost");
+    for (const QString &strOrigin : qAsConst(candidates)) {
+        if (!answers.Blocked().contains(strOrigin))
+            return strOrigin;
+    }
+    return std::nullopt;
 }
 
 Finding CheckAnswer(const Machine &machine, const QHostAddress &loopback)
 {
     if (!IsServedAt(loopback, machine.access))
         return Ok(Text::tr("none, as ListenAddress says; pages come over the other one"));
-    Exchange exchange({loopback.toString(), machine.settings.nWebSocketPort, nPatienceMs}, OriginFor(machine.access));
+    const std::optional<QString> origin = OriginFor(machine.access);
+    if (!origin)
+        return Ok(Text::tr("not tried, since no program is served"));
+    Exchange exchange({loopback.toString(), machine.settings.nWebSocketPort, nPatienceMs}, *origin);
     QString why;
     QObject::connect(&exchange, &Exchange::failed, [&why](const QString &text) { why = text; });
     Reply reply;

@@ -21,6 +21,25 @@ QString FlawOf(const QString &path, const QStringList &knownKeys)
     return {};
 }
 
+/// Which pages are served.
+QString PagesServed(const AccessPolicy &access)
+{
+    const UnknownOrigins unknown = access.ForUnknownOrigins();
+    QStringList allowed = access.allowedOrigins.value_or(QStringList());
+    if (unknown == UnknownOrigins::Ask)
+        allowed += access.originAnswers.Allowed();
+    const QString named = allowed.join(QLatin1Char(' '));
+    const QString blocked = access.originAnswers.Blocked().join(QLatin1Char(' '));
+    const QString pages =
+        unknown == UnknownOrigins::Allow ? Text::tr("every page")
+        : unknown == UnknownOrigins::Ask
+            ? (allowed.isEmpty() ? Text::tr("pages when the user allows it")
+                                 : Text::tr("the pages of %1, others when the user allows it").arg(named))
+        : allowed.isEmpty() ? Text::tr("no page")
+                            : Text::tr("the pages of %1").arg(named);
+    return blocked.isEmpty() ? pages : Fill(Text::tr("%1, but none of %2"), {pages, blocked});
+}
+
 } // namespace
 
 Finding CheckSettingsFiles(const Machine &machine)
@@ -53,14 +72,10 @@ Finding CheckAccess(const Machine &machine)
         return Bad(Text::tr("correct what keeps the service closed: %1").arg(access.strClosedReason));
     const QString where = access.listenAddress ? Text::tr("who reaches %1").arg(access.listenAddress->toString())
                                                : Text::tr("every machine that reaches the port");
-    const QString pages = !access.allowedOrigins ? Text::tr("every page")
-                          : access.allowedOrigins->isEmpty()
-                              ? Text::tr("no page")
-                              : Text::tr("the pages of %1").arg(access.allowedOrigins->join(QLatin1Char(' ')));
     const QString programs =
         access.bRequireOrigin ? Text::tr("programs that name an origin") : Text::tr("every program");
     const QString files = access.saveFolders
                               ? Text::tr("files below %1").arg(access.saveFolders->join(QLatin1Char(' ')))
                               : Text::tr("files anywhere");
-    return Ok(Fill(Text::tr("served are: %1; %2; %3; %4"), {where, pages, programs, files}));
+    return Ok(Fill(Text::tr("served are: %1; %2; %3; %4"), {where, PagesServed(access), programs, files}));
 }

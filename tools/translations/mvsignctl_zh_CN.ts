@@ -497,5 +497,77 @@ In place of a request:</source>
         <source>served are: %1; %2; %3; %4</source>
         <translation>服务对象：%1；%2；%3；%4</translation>
     </message>
+    <message>
+        <source>which pages are served; changes what was answered about them</source>
+        <translation>显示接受哪些网页，更改对网页的决定</translation>
+    </message>
+    <message>
+        <source>the user is asked</source>
+        <translation>询问用户</translation>
+    </message>
+    <message>
+        <source>refused</source>
+        <translation>拒绝</translation>
+    </message>
+    <message>
+        <source>served</source>
+        <translation>接受</translation>
+    </message>
+    <message>
+        <source>nobody is served: %1</source>
+        <translation>不接受任何客户端：%1</translation>
+    </message>
+    <message>
+        <source>allowed by the settings</source>
+        <translation>设置允许</translation>
+    </message>
+    <message>
+        <source>allowed</source>
+        <translation>已允许</translation>
+    </message>
+    <message>
+        <source>allowed where the user is asked, which is not so</source>
+        <translation>已允许（仅在询问用户时有效，目前不询问）</translation>
+    </message>
+    <message>
+        <source>blocked</source>
+        <translation>已阻止</translation>
+    </message>
+    <message>
+        <source>pages of other origins: %1</source>
+        <translation>其他来源的网页：%1</translation>
+    </message>
+    <message>
+        <source>not an origin such as https://sign.example.org: %1</source>
+        <translation>不是 https://sign.example.org 这样的来源：%1</translation>
+    </message>
+    <message>
+        <source>%1 stands for many pages, which cannot be allowed together</source>
+        <translation>%1 代表许多不同的网页，不能一并允许</translation>
+    </message>
+    <message>
+        <source>%1 cannot be changed: check its owner, its rights and its lines, or remove it</source>
+        <translation>无法更改 %1：请检查其所有者、权限和内容，或将其删除</translation>
+    </message>
+    <message>
+        <source>neither list nor allow, block or forget with an origin: %1</source>
+        <translation>既不是 list，也不是带来源的 allow、block 或 forget：%1</translation>
+    </message>
+    <message>
+        <source>not tried, since no program is served</source>
+        <translation>未尝试，因为不接受任何程序</translation>
+    </message>
+    <message>
+        <source>pages when the user allows it</source>
+        <translation>经用户允许的网页</translation>
+    </message>
+    <message>
+        <source>the pages of %1, others when the user allows it</source>
+        <translation>%1 的网页，以及经用户允许的其他网页</translation>
+    </message>
+    <message>
+        <source>%1, but none of %2</source>
+        <translation>%1（%2 除外）</translation>
+    </message>
 </context>
 </TS>
