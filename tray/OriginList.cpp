@@ -32,7 +32,7 @@ QTreeWidget *MakeList()
     pList->setAllColumnsShowFocus(true);
     pList->setTextElideMode(Qt::ElideNone); // nothing of a host is left out
     pList->header()->setStretchLastSection(false);
-    pList->setMinimumSize(66 * pList->fontMetrics().averageCharWidth(), 12 * pList->fontMetrics().height());
+    pList->setMinimumSize(30 * pList->fontMetrics().height(), 12 * pList->fontMetrics().height());
     return pList;
 }
 

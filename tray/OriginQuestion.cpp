@@ -1,16 +1,18 @@
 #include "tray/OriginQuestion.h"
 
+#include "base/QtCompat.h"
 #include "service/AccessPolicy.h"
 #include "service/OriginText.h"
 #include "tray/TrayTexts.h"
 
 #include <QEvent>
-#include <QFontDatabase>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTextCursor>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -18,8 +20,20 @@
 
 namespace {
 
-/// Of a window's texts, in average characters of its font.
-constexpr int nColumns = 66;
+/// Of a window's texts, in Latin letters of its font: fonts with Chinese characters call these their average.
+int ColumnWidth(const QFontMetrics &metrics)
+{
+    const int nWanted = TextWidth(metrics, QString(76, QLatin1Char('x')));
+    return qMin(nWanted, QGuiApplication::primaryScreen()->availableGeometry().width() * 4 / 5);
+}
+
+/// One in which letters and figures that are alike elsewhere differ. That of the desktop's settings need not be.
+QFont FixedFont(QFont font)
+{
+    font.setFamily(QStringLiteral("monospace"));
+    font.setStyleHint(QFont::TypeWriter);
+    return font;
+}
 
 QLabel *MakeLabel(const QString &strText, int nWidth)
 {
@@ -62,7 +76,7 @@ QTextEdit *MakeOriginField(const QString &strOrigin, int nWidth)
     pField->setWordWrapMode(QTextOption::WrapAnywhere);
     pField->setLayoutDirection(Qt::LeftToRight);
     pField->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    pField->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    pField->setFont(FixedFont(pField->font()));
     pField->setAccessibleName(strOrigin);
     InsertOrigin(strOrigin, pField->textCursor());
     const int nFrame = 2 * pField->frameWidth();
@@ -127,7 +141,7 @@ OriginQuestion::OriginQuestion(const QString &strOrigin, const OriginQuestionTex
     m_patience.setInterval(patience.nAnswerMs);
     connect(&m_patience, &QTimer::timeout, this, [this] { Give(OriginAnswer::NotNow); });
 
-    const int nWidth = nColumns * fontMetrics().averageCharWidth();
+    const int nWidth = ColumnWidth(fontMetrics());
     auto *const pColumn = new QVBoxLayout(this);
     pColumn->addWidget(MakeHeadline(texts.szHeadline, nWidth));
     pColumn->addWidget(MakeOriginField(strOrigin, nWidth));

@@ -149,6 +149,7 @@ void SysTrayMenuMgr::FillMenu(const TrayTexts &texts, QMenu &menu)
     menu.addAction(m_pAutoLaunchAction);
     menu.addSeparator();
     menu.addAction(pExitAction);
+    m_originWindows.UseMenu(menu, *pExitAction);
 }
 
 void SysTrayMenuMgr::RestoreSavedState()
@@ -158,6 +159,8 @@ void SysTrayMenuMgr::RestoreSavedState()
         INIDATA.bStartWebServiceWithSSL = false;
         m_pStartServiceAction->setChecked(true);
         OpenWebSocketService(true);
+    } else {
+        m_originWindows.OfferList(ReadAccessPolicy(), TrayTextsOf(INIDATA.nUILangID));
     }
     m_pStartSecureServiceAction->setChecked(INIDATA.bStartWebServiceWithSSL);
     m_pAutoLaunchAction->setChecked(INIDATA.bAutoLaunch);
@@ -168,11 +171,14 @@ void SysTrayMenuMgr::OpenWebSocketService(bool bOpenService)
     static const char tag[] = "SysTrayMenuMgr::OpenWebSocketService()";
     MV_LOG(tag, "Enter, bOpenService=%d", bOpenService);
     if (bOpenService && !m_pWebSocketThread) {
+        const AccessPolicy accessPolicy = LoadAccessPolicy();
+        m_originWindows.StartAsking(accessPolicy, TrayTextsOf(INIDATA.nUILangID));
         m_pWebSocketThread =
-            new WebSocketThread(this, INIDATA.nWebSocketPort, LoadAccessPolicy(), &m_statusSource, &m_originDesk);
+            new WebSocketThread(this, INIDATA.nWebSocketPort, accessPolicy, &m_statusSource, &m_originDesk);
         m_pWebSocketThread->start();
         MV_LOG(tag, "after call m_pWebSocketThread->start()...");
     } else if (!bOpenService && m_pWebSocketThread) {
+        m_originWindows.StopAsking();
         MV_LOG(tag, "b4 call m_pWebSocketThread->quit()...");
         m_pWebSocketThread->quit();
         WaitForEnd(*m_pWebSocketThread);

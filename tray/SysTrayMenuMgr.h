@@ -2,6 +2,7 @@
 
 #include "service/OriginDesk.h"
 #include "service/ServiceStatusSource.h"
+#include "tray/OriginWindows.h"
 #include "tray/TraySettings.h"
 
 #include <QObject>
@@ -64,6 +65,7 @@ private:
     TraySettings INIDATA;
     ServiceStatusSource m_statusSource;
     OriginDesk m_originDesk;
+    OriginWindows m_originWindows{m_originDesk};
     QPointer<QAction> m_pStartServiceAction;
     QPointer<QAction> m_pStartSecureServiceAction;
     QPointer<QAction> m_pAutoLaunchAction;

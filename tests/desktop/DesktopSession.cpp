@@ -321,12 +321,27 @@ void DesktopSession::click(const QPoint &point, int button) const
                                     QStringLiteral("click"), QString::number(button)});
 }
 
+void DesktopSession::press(const QString &keys) const
+{
+    run(QStringLiteral("xdotool"), {QStringLiteral("key"), keys});
+}
+
 QList<qint64> DesktopSession::visibleWindows() const
+{
+    return searchWindows(QStringLiteral(".*"));
+}
+
+QList<qint64> DesktopSession::visibleWindows(const QString &title) const
+{
+    return searchWindows(QStringLiteral("^%1$").arg(title));
+}
+
+QList<qint64> DesktopSession::searchWindows(const QString &namePattern) const
 {
     QList<qint64> windows;
     const QList<QByteArray> lines =
         run(QStringLiteral("xdotool"),
-            {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), QStringLiteral(".*")})
+            {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), namePattern})
             .split('\n');
     for (const QByteArray &line : lines)
         if (!line.isEmpty())
@@ -387,7 +402,7 @@ MenuPicture DesktopSession::clickForMenu() const
 
 bool DesktopSession::closeMenu(const MenuPicture &menu) const
 {
-    run(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("Escape")});
+    press(QStringLiteral("Escape"));
     return QTest::qWaitFor([&] { return !visibleWindows().contains(menu.window); }, patienceMs);
 }
 

@@ -66,7 +66,13 @@ public:
     /// Opens the menu and clicks on its entry number index, from 0. False when there is no such entry.
     bool chooseMenuEntry(int index) const;
 
+    /// Presses the keys, which are as xdotool names them, in the window that has the focus.
+    void press(const QString &keys) const;
+
     QList<qint64> visibleWindows() const;
+    /// Those with this title.
+    QList<qint64> visibleWindows(const QString &title) const;
+    QRect windowArea(qint64 window) const;
     /// Starts a helper program that ends with the session.
     QProcess *startHelper(const QString &program, const QStringList &arguments);
     /// Ends the helper that was started last.
@@ -79,7 +85,7 @@ private:
     bool startXServer();
     bool startBus();
     QByteArray run(const QString &program, const QStringList &arguments) const;
-    QRect windowArea(qint64 window) const;
+    QList<qint64> searchWindows(const QString &namePattern) const;
     MenuPicture clickForMenu() const;
 
     QTemporaryDir m_directory;

@@ -209,9 +209,9 @@ void OriginQuestionTest::saysWhatAPageCanDo_data()
                               << QStringLiteral("write files in any folder that you can write in, also files that run "
                                                 "when you log in");
     QTest::newRow("nowhere") << true << QStringList()
-                             << QStringLiteral("write no files but the two signature pictures for WPS in /tmp");
+                             << QStringLiteral("write no files but two signature pictures for WPS in /tmp");
     QTest::newRow("in folders") << true << QStringList{QStringLiteral("/tmp"), QStringLiteral("/srv/signatures")}
-                                << QStringLiteral("write files in /tmp, /srv/signatures and below, and the two "
+                                << QStringLiteral("write files in /tmp, /srv/signatures and below, and two "
                                                   "signature pictures for WPS in /tmp");
 }
 
