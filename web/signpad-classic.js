@@ -574,6 +574,7 @@
 
   // src/signpad.ts
   var POLL_INTERVAL_MS = 40;
+  var POLICY_VIOLATION = 1008;
   var _SignPad = class _SignPad extends EventTarget {
     constructor(options) {
       super();
@@ -626,14 +627,16 @@
     }
     async openLine(signal) {
       const socket = await openSocket(this.settings, this.url, signal);
-      socket.onclose = () => this.lost();
+      socket.onclose = (event) => this.lost(event);
       this.line.carryOver(socket);
     }
-    lost() {
-      const error = new SignPadError("connection-lost", `The connection to ${this.url} was lost`);
+    lost({ code }) {
+      const isTurnedAway = code === POLICY_VIOLATION;
+      const error = isTurnedAway ? new SignPadError("permission-denied", `The user does not let this page use ${this.url}`) : new SignPadError("connection-lost", `The connection to ${this.url} was lost`);
       this.line.cut(error);
-      this.emit("disconnect", { error, willReconnect: this.settings.reconnect });
-      if (this.settings.reconnect) this.reopen();
+      const willReconnect = this.settings.reconnect && !isTurnedAway;
+      this.emit("disconnect", { error, willReconnect });
+      if (willReconnect) this.reopen();
     }
     /** Tries again until it works or the client is closed, waiting twice as long each time. */
     async reopen() {

@@ -15,6 +15,9 @@ import type { Progress, WatchOptions } from './watch.js';
 
 const POLL_INTERVAL_MS = 40;
 
+/** How a connection ends that the user did not allow. */
+const POLICY_VIOLATION = 1008;
+
 export interface PadDescription {
   model: ModelId;
   width: number;
@@ -102,15 +105,19 @@ export class SignPad extends EventTarget {
 
   private async openLine(signal?: AbortSignal): Promise<void> {
     const socket = await openSocket(this.settings, this.url, signal);
-    socket.onclose = () => this.lost();
+    socket.onclose = (event: { code: number }) => this.lost(event);
     this.line.carryOver(socket);
   }
 
-  private lost(): void {
-    const error = new SignPadError('connection-lost', `The connection to ${this.url} was lost`);
+  private lost({ code }: { code: number }): void {
+    const isTurnedAway = code === POLICY_VIOLATION;
+    const error = isTurnedAway
+      ? new SignPadError('permission-denied', `The user does not let this page use ${this.url}`)
+      : new SignPadError('connection-lost', `The connection to ${this.url} was lost`);
     this.line.cut(error);
-    this.emit('disconnect', { error, willReconnect: this.settings.reconnect });
-    if (this.settings.reconnect) this.reopen();
+    const willReconnect = this.settings.reconnect && !isTurnedAway; // it would have the user asked again
+    this.emit('disconnect', { error, willReconnect });
+    if (willReconnect) this.reopen();
   }
 
   /** Tries again until it works or the client is closed, waiting twice as long each time. */

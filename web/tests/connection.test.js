@@ -372,6 +372,21 @@ test('without reconnect a lost connection stays lost', async (t) => {
   assert.deepEqual(attempts, []);
 });
 
+test('a client that the user turns away does not have him asked again', async (t) => {
+  const { service, pad } = await start(t, undefined, { reconnectDelay: 10 });
+  const attempts = eventsOf(pad, 'reconnecting');
+  const lost = once(asEmitter(pad, 'disconnect'), 'disconnect');
+  const call = assert.rejects(pad.getSize(), { code: 'permission-denied' });
+  await until(() => service.requests.length === 1);
+  service.turnClientsAway();
+  await call;
+  assert.equal((await lost)[0].willReconnect, false);
+  const other = await anotherClient(t, service);
+  service.dropClients();
+  await other.attempts(1);
+  assert.deepEqual(attempts, []);
+});
+
 test('open raises what initialDevice answers', async (t) => {
   const { service, pad } = await start(t, (request) => reply('InitialDevice', request.includes('id=7') ? '1' : '0'));
   await pad.open({ model: Model.Cedar, width: 800, height: 480 });

@@ -32,6 +32,7 @@ export async function startMockService(answer = () => undefined, { port = 0, adm
       socket.once('pong', resolve); // comes behind what the client has sent
       socket.ping();
     }))),
+    turnClientsAway: () => server.clients.forEach((socket) => socket.close(1008)),
     dropClients: () => server.clients.forEach((socket) => socket.terminate()),
     stop: () => new Promise((resolve) => {
       server.clients.forEach((socket) => socket.terminate());
