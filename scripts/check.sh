@@ -30,7 +30,7 @@ check_address() {
 }
 
 # What runs on several threads: the service's thread beside its owner's, pushes from foreign threads, the log.
-thread_tests=(tst_websocketservice tst_push tst_requests tst_logging)
+thread_tests=(tst_websocketservice tst_push tst_requests tst_askorigin tst_logging)
 check_thread() {
     cmake -S . -B build-thread -G Ninja -DBUILD_TESTING=ON -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
         -DMVSIGNPAD_SANITIZE=thread >/dev/null

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void log();
     void access();
     void accessWithoutTheProgram();
+    void accessOfAnotherUser();
     void accessOfNoOrigin();
     void accessOfAFileThatIsNotUnderstood();
     void portOfTheSettings();
@@ -239,6 +240,41 @@ void SubcommandsTest::accessWithoutTheProgram()
     QCOMPARE(run({QStringLiteral("access"), QStringLiteral("list")}).output,
              QStringLiteral("allowed by the settings: https://listed.example\nallowed: https://good.example\n"
                             "blocked: null\npages of other origins: the user is asked\n"));
+}
+
+/// Another user's process reaches the port, as every program does, but neither the answers nor the program's object.
+void SubcommandsTest::accessOfAnotherUser()
+{
+    const QStringList asAnother{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                                QStringLiteral("--clear-groups")};
+    const auto setpriv = QStringLiteral("setpriv");
+    if (QProcess::execute(setpriv, asAnother + QStringList(QStringLiteral("true"))) != 0)
+        QSKIP("only root can take another user's part");
+    const auto runAsAnother = [&](const QStringList &words) {
+        QProcess &process = startClient(asAnother + words, setpriv);
+        return QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, patienceMs)
+                       && process.exitStatus() == QProcess::NormalExit
+                   ? process.exitCode()
+                   : -1;
+    };
+    QVERIFY(start());
+    QCOMPARE(run({QStringLiteral("access"), QStringLiteral("block"), QStringLiteral("https://page.example")}).status,
+             0);
+    const QFileInfo answers(QFileInfo(m_desktop->settingsFile()).path() + QStringLiteral("/MVSignPadSDK_Origins.conf"));
+    for (QString folder = answers.path(); folder != QLatin1String("/tmp"); folder = QFileInfo(folder).path())
+        QVERIFY(QFile::setPermissions(folder, QFile::permissions(folder) | QFile::ReadOther | QFile::ExeOther));
+    const QString port = QString::number(m_port);
+    QCOMPARE(runAsAnother({QStringLiteral(MVSIGNCTL), QStringLiteral("--port"), port, QStringLiteral("GetSize")}), 0);
+    QFile open(answers.path() + QStringLiteral("/open")); // in a folder that is
+    QVERIFY(open.open(QIODevice::WriteOnly) && open.setPermissions(QFile::ReadOwner | QFile::ReadOther));
+    QCOMPARE(runAsAnother({QStringLiteral("cat"), open.fileName()}), 0);
+    QCOMPARE(runAsAnother({QStringLiteral("cat"), answers.filePath()}), 1);
+    QCOMPARE(runAsAnother({QStringLiteral(MVSIGNCTL), QStringLiteral("access"), QStringLiteral("forget"),
+                           QStringLiteral("https://page.example")}),
+             2);
+    QCOMPARE(runAsAnother({QStringLiteral(MVSIGNCTL), QStringLiteral("log"), QStringLiteral("on")}), 2);
+    QVERIFY(run({QStringLiteral("status")}).output.contains(QStringLiteral("Log:               false\n")));
+    QVERIFY(!SignClient().connectFrom(QStringLiteral("https://page.example"), m_port));
 }
 
 void SubcommandsTest::accessOfNoOrigin()

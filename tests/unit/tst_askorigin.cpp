@@ -10,6 +10,8 @@
 #include "tests/unit/support/SignClient.h"
 #include "tests/unit/support/WarningTrap.h"
 
+#include <QNetworkRequest>
+#include <QProcess>
 #include <QTest>
 
 #include <memory>
@@ -57,6 +59,8 @@ private Q_SLOTS:
     void fileThatIsNotUnderstoodChangesNothing();
     void silencedAlsoForTheNextService();
     void programsAreServedMeanwhile();
+    void programsAreRefusedWhereAnOriginIsRequired();
+    void nameThatLeadsToThisMachine();
     void onlyOriginsAreShown_data();
     void onlyOriginsAreShown();
     void thousandConnectionsOfOnePage();
@@ -64,7 +68,7 @@ private Q_SLOTS:
     void blockCountsWhereNothingIsConfigured();
 
 private:
-    bool start(std::optional<UnknownOrigins> unknown);
+    bool start(std::optional<UnknownOrigins> unknown, bool isOriginRequired = false);
     /// Answers what is asked next.
     void answer(OriginAnswer answer) { Q_EMIT m_desk->answered(m_asked.constLast(), answer); }
     /// Waits for the question about the page, which waits already.
@@ -113,10 +117,11 @@ void AskOriginTest::cleanup()
     m_warnings.reset();
 }
 
-bool AskOriginTest::start(std::optional<UnknownOrigins> unknown)
+bool AskOriginTest::start(std::optional<UnknownOrigins> unknown, bool isOriginRequired)
 {
     AccessPolicy policy;
     policy.unknownOrigins = unknown;
+    policy.bRequireOrigin = isOriginRequired;
     policy.originAnswers = OriginAnswers::Read().value_or(OriginAnswers());
     m_service = std::make_unique<RunningService>(freePort(), policy, m_desk.get());
     return m_service->waitUntilListening();
@@ -385,6 +390,47 @@ void AskOriginTest::programsAreServedMeanwhile()
     QVERIFY(start(UnknownOrigins::Ask));
     QVERIFY(settle());
     QCOMPARE(m_asked, QStringList());
+}
+
+void AskOriginTest::programsAreRefusedWhereAnOriginIsRequired()
+{
+    QVERIFY(start(UnknownOrigins::Ask, true));
+    RawClient program;
+    QVERIFY(program.connectTo(m_service->port()));
+    QCOMPARE(program.handshake(), QByteArray(refused));
+    RawClient nameless;
+    QVERIFY(nameless.connectTo(m_service->port()));
+    QCOMPARE(nameless.handshake(header("")), QByteArray(refused));
+    SignClient client;
+    QVERIFY(client.connectFrom(QStringLiteral("null"), m_service->port()));
+    QVERIFY(isAsked());
+    QCOMPARE(m_asked, QStringList(QStringLiteral("null")));
+}
+
+/// A page whose own name is made to lead here, so that browsers take the service for the page's own server.
+void AskOriginTest::nameThatLeadsToThisMachine()
+{
+    QFile hosts(m_home.path(QStringLiteral("hosts")));
+    QVERIFY(hosts.open(QIODevice::WriteOnly));
+    hosts.write("127.0.0.1 rebound.example\n");
+    hosts.close();
+    QCOMPARE(QProcess::execute(QStringLiteral("mount"),
+                               {QStringLiteral("--bind"), hosts.fileName(), QStringLiteral("/etc/hosts")}),
+             0);
+    QVERIFY(start(UnknownOrigins::Ask));
+    const QString site = QStringLiteral("rebound.example:%1").arg(m_service->port());
+    QNetworkRequest request(QUrl(QStringLiteral("ws://") + site));
+    request.setRawHeader("Origin", "http://" + site.toLatin1());
+    SignClient client;
+    client.socket().open(request);
+    QTRY_VERIFY_WITH_TIMEOUT(client.isConnected(), patienceMs);
+    client.send(QStringLiteral("ws://localhost:%1/MVSignSDK/GetSize").arg(m_service->port()));
+    QVERIFY(isAsked());
+    QCOMPARE(m_asked, QStringList(QStringLiteral("http://") + site));
+    answer(OriginAnswer::NotNow);
+    QVERIFY(client.waitForDisconnect());
+    QCOMPARE(client.messages(), QStringList());
+    QCOMPARE(QProcess::execute(QStringLiteral("umount"), {QStringLiteral("/etc/hosts")}), 0);
 }
 
 void AskOriginTest::onlyOriginsAreShown_data()
