@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # The checks that take long: the tests under sanitizers, static analysis, a minute of fuzzing for each target and two
-# minutes of load; and, where it is named, the build with other compilers.
+# minutes of load; and, where they are named, the build with other compilers and whether the packages can be built again.
 #
 #   scripts/check.sh             address thread analysis fuzz soak
-#   scripts/check.sh STEP...     some of these, or: compilers
+#   scripts/check.sh STEP...     some of these, or: compilers reproducible
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -62,6 +62,7 @@ check_analysis() {
 
 check_compilers() { scripts/build-compilers.sh; }
 check_fuzz() { scripts/fuzz.sh 60; }
+check_reproducible() { scripts/test-reproducible.sh; }
 check_soak() { scripts/soak.sh 2; }
 
 for step in "${steps[@]}"; do
