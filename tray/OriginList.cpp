@@ -118,8 +118,9 @@ void OriginList::NoteThatTheFileFails()
 void OriginList::OfferWhatFits()
 {
     const QTreeWidgetItem *const pCurrent = m_pList->currentItem();
-    const bool bAllowed = pCurrent && pCurrent->text(Answer) == QString::fromUtf8(m_texts.szAllowed);
-    m_pAllow->setEnabled(pCurrent && !bAllowed && !IsSharedOrigin(pCurrent->text(Origin)));
+    const bool bChosen = pCurrent != nullptr;
+    const bool bAllowed = bChosen && pCurrent->text(Answer) == QString::fromUtf8(m_texts.szAllowed);
+    m_pAllow->setEnabled(bChosen && !bAllowed && !IsSharedOrigin(pCurrent->text(Origin)));
     m_pBlock->setEnabled(bAllowed);
-    m_pForget->setEnabled(pCurrent);
+    m_pForget->setEnabled(bChosen);
 }
