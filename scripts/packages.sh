@@ -21,6 +21,7 @@ packaging_check_packages=(lintian rpm rpmlint)
 declare -A panel_packages=(
     [ukui]='ukui-panel qt5-ukui-platformtheme ukui-themes ukui-settings-daemon-common ukui-control-center'
     [xfce]='xfce4-panel'
+    [mate]='mate-panel'
     [sway]='sway waybar qtwayland5'
 )
 format_packages=(clang-format-14 shellcheck)

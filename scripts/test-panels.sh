@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs the program of the last commit on the panels that desktops have: its icon, its menu, a signature in the pad's window.
-# Leaves pictures of each in test-output/. Arguments name some of the panels: ukui xfce sway.
+# Leaves pictures of each in test-output/. Arguments name some of the panels: ukui xfce mate sway.
 #
 # The panels are installed in a bare Debian 12 and run as an ordinary user: sway refuses to be root's.
 set -euo pipefail
@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 
 . scripts/packages.sh
 panels=("$@")
-[ ${#panels[@]} -gt 0 ] || panels=(ukui xfce sway)
+[ ${#panels[@]} -gt 0 ] || panels=(ukui xfce mate sway)
 
 test_panels() {
     local panel packages=() output=build/test-output status=0

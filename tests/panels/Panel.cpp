@@ -71,6 +71,24 @@ bool startXfce(DesktopSession &desktop)
            && startShell(desktop, QStringLiteral("xfce4-panel --disable-wm-check")) && waitForHost(desktop);
 }
 
+// -- MATE -------------------------------------------------------------------------------------------------------------
+/// A program of its own for each applet: the panel has the bus start it, and the bus of the tests starts nothing.
+bool startMateApplet(DesktopSession &desktop, const char *program, const char *factory)
+{
+    const QString name = QStringLiteral("org.mate.panel.applet.") + QLatin1String(factory);
+    return startShell(desktop, QStringLiteral("/usr/lib/mate-panel/") + QLatin1String(program))
+           && QTest::qWaitFor([&] { return desktop.isNameOnTheBus(name); }, patienceMs);
+}
+
+bool startMate(DesktopSession &desktop)
+{
+    return startShell(desktop, QStringLiteral("openbox"))
+           && startMateApplet(desktop, "notification-area-applet", "NotificationAreaAppletFactory")
+           && startMateApplet(desktop, "clock-applet", "ClockAppletFactory")
+           && startMateApplet(desktop, "wnck-applet", "WnckletFactory")
+           && startShell(desktop, QStringLiteral("env GSETTINGS_BACKEND=memory mate-panel")) && waitForHost(desktop);
+}
+
 // -- Wayland ----------------------------------------------------------------------------------------------------------
 bool startSway(DesktopSession &desktop)
 {
@@ -97,6 +115,7 @@ const std::vector<Panel> &allPanels()
     static const std::vector<Panel> panels = {
         {"ukui", startUkui, ukuiEnvironment},
         {"xfce", startXfce, plainEnvironment},
+        {"mate", startMate, plainEnvironment},
         {"sway", startSway, waylandEnvironment},
     };
     return panels;
