@@ -1,5 +1,5 @@
-# The two packages, one for each component: the program, and apart from it the virtual pad and the documents for machines
-# without the hardware; as .deb and as .rpm. scripts/package.sh builds them.
+# The packages, one for each component: the program; apart from it the virtual pad and the documents for machines without the
+# hardware; and the settings that close the service's doors. As .deb and as .rpm; scripts/package.sh builds them.
 
 find_program(GZIP gzip)
 if(NOT GZIP)
@@ -22,18 +22,22 @@ install(FILES "${CMAKE_CURRENT_BINARY_DIR}/mvsignctl.zh_CN.1.gz" RENAME mvsignct
         DESTINATION usr/share/man/zh_CN/man1 COMPONENT mvsignpad)
 
 # Every package tells what has changed and who holds the rights.
-foreach(package IN ITEMS mvsignpad mvsignpad-virtual)
+foreach(package IN ITEMS mvsignpad mvsignpad-virtual mvsignpad-secure)
     install(FILES "${CMAKE_CURRENT_BINARY_DIR}/changelog.gz" copyright
             DESTINATION usr/share/doc/${package} COMPONENT ${package})
 endforeach()
 
 install(FILES lintian/mvsignpad DESTINATION usr/share/lintian/overrides COMPONENT mvsignpad)
 
+# Not below /etc, where a removed package leaves its files and an administrator keeps his own: these settings go with the
+# package, and his go before them.
+install(FILES MVSignPadSDK_Access.conf DESTINATION usr/share/mvsignpadsdk COMPONENT mvsignpad-secure)
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX "/")
 set(CPACK_PACKAGE_CONTACT "MVSign Pad maintainers <maintainers@mvsignpad.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has a synopsis of its own
-set(CPACK_COMPONENTS_ALL mvsignpad mvsignpad-virtual)
+set(CPACK_COMPONENTS_ALL mvsignpad mvsignpad-virtual mvsignpad-secure)
 set(CPACK_STRIP_FILES ON)
 # Whatever the umask of the person who packs: a package's directories are readable by all.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -72,6 +76,18 @@ administrators, packagers and developers of web pages.
 The stand-in lies in /usr/lib/mvsignpad/virtual and is never put in the place
 of the maker's library by itself.")
 set(CPACK_DEBIAN_MVSIGNPAD-VIRTUAL_DESCRIPTION "${virtual_synopsis}\n${virtual_description}")
+
+set(CPACK_DEBIAN_MVSIGNPAD-SECURE_PACKAGE_NAME mvsignpad-secure)
+set(CPACK_DEBIAN_MVSIGNPAD-SECURE_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_MVSIGNPAD-SECURE_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_MVSIGNPAD-SECURE_PACKAGE_DEPENDS "mvsignpad (>= ${PROJECT_VERSION})") # an older one does not look there
+set(secure_synopsis "settings that close the doors of mvsignpad")
+set(secure_description "Machine-wide settings with which the signature service is reached from this
+machine alone, asks the user before it serves a web page, and saves files
+below /tmp only.
+
+Removing the package opens what it has closed.")
+set(CPACK_DEBIAN_MVSIGNPAD-SECURE_DESCRIPTION "${secure_synopsis}\n${secure_description}")
 
 include(RpmPackages.cmake)
 include(CPack)

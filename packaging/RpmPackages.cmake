@@ -1,4 +1,4 @@
-# The same two packages for distributions with rpm. What they need they name by libraries' sonames, which rpm finds itself,
+# The same packages for distributions with rpm. What they need they name by libraries' sonames, which rpm finds itself,
 # so that they fit every such distribution.
 set(CPACK_RPM_COMPONENT_INSTALL ON)
 set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
@@ -43,3 +43,9 @@ set(CPACK_RPM_MVSIGNPAD_PACKAGE_REQUIRES /usr/bin/pgrep) # finds a copy that is 
 set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_NAME mvsignpad-virtual)
 set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_SUMMARY "${virtual_synopsis}")
 set(CPACK_RPM_MVSIGNPAD-VIRTUAL_PACKAGE_DESCRIPTION "${virtual_description}")
+
+set(CPACK_RPM_MVSIGNPAD-SECURE_PACKAGE_NAME mvsignpad-secure)
+set(CPACK_RPM_MVSIGNPAD-SECURE_PACKAGE_ARCHITECTURE noarch)
+set(CPACK_RPM_MVSIGNPAD-SECURE_PACKAGE_REQUIRES "mvsignpad >= ${PROJECT_VERSION}")
+set(CPACK_RPM_MVSIGNPAD-SECURE_PACKAGE_SUMMARY "${secure_synopsis}")
+set(CPACK_RPM_MVSIGNPAD-SECURE_PACKAGE_DESCRIPTION "${secure_description}")

@@ -9,6 +9,16 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 native=$(dpkg --print-architecture)
 
+# keep PACKAGE...: leaves them in the shared directory. One for all architectures is the same, whichever build made it.
+keep() {
+    local package kept
+    for package in "$@"; do
+        kept=/share/$(basename "$package")
+        [ ! -e "$kept" ] || cmp "$package" "$kept"
+        cp "$package" "$kept"
+    done
+}
+
 if [ "${1-}" = --inside ]; then
     shift
     # The same release of each library for both architectures: the later updates are not there for all.
@@ -16,7 +26,7 @@ if [ "${1-}" = --inside ]; then
     for architecture in "$@"; do
         scripts/build-packages.sh "$architecture"
         tests/packaging/test_rpm.py "build-package-$architecture" RpmTest
-        cp "build-package-$architecture"/packages/*.{deb,rpm} /share/
+        keep "build-package-$architecture"/packages/*.{deb,rpm}
     done
     exit
 fi

@@ -116,6 +116,22 @@ prepare() {
     install_packages xvfb trayer xdotool x11-utils x11-apps net-tools file fonts-dejavu-core
 }
 
+# One package closes the doors, and opens them when it goes. A program, which has no origin, signs as before.
+try_closed_doors() {
+    install_packages /share/mvsignpad-secure.deb
+    start_program
+    listens_on 127.0.0.1 || fail "the service listens on more than this machine"
+    [[ $(as_clerk mvsignctl doctor) == *'pages when the user allows it'* ]] || fail "the user would not be asked"
+    capture
+    request SaveDrawingImage type=3 dpi=300 path=/home/clerk/signature.png >/dev/null
+    [ ! -e /home/clerk/signature.png ] || fail "a file outside of /tmp was written"
+    stop_program
+    apt-get -qq -y remove mvsignpad-secure >/dev/null
+    start_program
+    listens_on :: || fail "the removal has not opened what was closed"
+    stop_program
+}
+
 # From here on without a network: the packages install from the files alone.
 try_out() {
     ifconfig lo up
@@ -130,10 +146,11 @@ try_out() {
     listens_on :: || fail "the service does not listen on every interface"
     capture
     take_picture
-    trap - EXIT
     stop_program
+    try_closed_doors
+    trap - EXIT
 
-    apt-get -qq -y remove mvsignpad mvsignpad-virtual >/dev/null
+    apt-get -qq -y purge 'mvsignpad*' >/dev/null
     [ ! -e /opt/mvsignpad/mvsignpadsdk_wssvr ] || fail "the removal has left the program"
     [ -e "$makers_library" ] || fail "the removal has removed the maker's library"
 }
@@ -157,8 +174,10 @@ fi
 install_missing imagemagick
 share=$(mktemp -d)
 trap 'rm -rf "$share"' EXIT
-for name in mvsignpad mvsignpad-virtual; do
-    cp dist/"$name"_*_"$2".deb "$share/$name.deb" || fail "scripts/package.sh $2 comes first"
+for package in dist/*_{"$2",all}.deb; do
+    [ -e "$package" ] || fail "scripts/package.sh $2 comes first"
+    name=$(basename "$package")
+    cp "$package" "$share/${name%%_*}.deb"
 done
 picture=test-output/installed-$1-$2.png
 mkdir -p test-output

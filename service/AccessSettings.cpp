@@ -10,6 +10,9 @@
 
 namespace {
 
+/// What the package mvsignpad-secure brings; the machine's file goes before it.
+constexpr char szPackagedSettings[] = "/usr/share/mvsignpadsdk/MVSignPadSDK_Access.conf";
+
 struct AccessKey {
     const char *szName;
     const char *szExpected;
@@ -136,7 +139,7 @@ AccessPolicy ReadAccessPolicy()
 {
     AccessPolicy policy;
     const QStringList formerPaths = SettingsPaths(traySettingsName);
-    const QStringList paths = SettingsPaths(accessSettingsName);
+    const QStringList paths = QStringList(QString::fromLatin1(szPackagedSettings)) + SettingsPaths(accessSettingsName);
     policy.bServesAnybody =
         std::all_of(formerPaths.begin(), formerPaths.end(),
                     [&policy](const QString &strPath) { return IsWithout(FormerGroupIn(strPath), strPath, policy); })

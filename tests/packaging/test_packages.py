@@ -40,6 +40,9 @@ VIRTUAL_PAD = "/usr/lib/mvsignpad/virtual/libmvsignpadsdk.so"
 SOME_DOCUMENTS = ["/usr/share/doc/mvsignpad-virtual/" + name for name in (
     "README.md", "README.zh-CN.md", "changelog.gz", "copyright", "docs/api.md", "docs/install.md", "docs/zh/install.md",
     "web/signpad.js", "web/demo/index.html")]
+PACKAGED_SETTINGS = "/usr/share/mvsignpadsdk/MVSignPadSDK_Access.conf"
+SECURE_FILES = [PACKAGED_SETTINGS, "/usr/share/doc/mvsignpad-secure/changelog.gz",
+                "/usr/share/doc/mvsignpad-secure/copyright"]
 MAKERS_LIBRARY = "/opt/mvsignpad/libmvsignpadsdk.so"
 
 NAMES = {"name": "MVSign Pad Driver", "name[zh_cn]": "Morvane电子签名板驱动程序",
@@ -82,6 +85,7 @@ class PackagesTest(unittest.TestCase):
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, cwd=BUILD)
         cls.program, = cls.work.glob("mvsignpad_*.deb")
         cls.virtual, = cls.work.glob("mvsignpad-virtual_*.deb")
+        cls.secure, = cls.work.glob("mvsignpad-secure_*_all.deb")
         cls.root = cls.work / "root"
         cls.root.mkdir(mode=0o755)
         depends = ", ".join(clean_root.output("dpkg-deb", "-f", package, "Depends").strip()
@@ -111,7 +115,7 @@ class PackagesTest(unittest.TestCase):
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding="utf-8").stdout
 
     def check_that_removal_leaves_no_trace(self):
-        self.dpkg("--purge", "mvsignpad", "mvsignpad-virtual")
+        self.dpkg("--purge", "mvsignpad", "mvsignpad-virtual", "mvsignpad-secure")
         self.assertEqual(self.snapshot() ^ self.before, set())
 
     def snapshot(self):
@@ -133,7 +137,8 @@ class PackagesTest(unittest.TestCase):
                               encoding="utf-8", timeout=60, env=env or ENVIRONMENT)
 
     def test_lintian_finds_no_error(self):
-        subprocess.run(["lintian", "--fail-on", "error", self.program, self.virtual], check=True,
+        subprocess.run(["lintian", "--fail-on", "error", self.program, self.virtual, self.secure],
+                       check=True,
                        stderr=subprocess.DEVNULL)
 
     def test_program_package_brings_its_files_and_no_library(self):
@@ -149,6 +154,38 @@ class PackagesTest(unittest.TestCase):
                          {VIRTUAL_PAD})
         self.assertLessEqual(set(SOME_DOCUMENTS), files)
         self.assertFalse(self.at("/opt").exists())
+
+    def access(self):
+        """Whom the installed program serves, as its doctor tells it."""
+        lines = self.in_root("mvsignctl", "doctor").stdout.splitlines()
+        return next(line for line in lines if line[5:].startswith("access settings: "))
+
+    def test_secure_package_closes_the_doors_until_it_is_removed(self):
+        self.dpkg("--install", self.program)
+        before = self.access()
+        self.assertIn("every machine that reaches the port", before)
+        self.dpkg("--install", self.secure)
+        self.assertEqual(self.listed("mvsignpad-secure"), set(SECURE_FILES))
+        closed = self.access()
+        self.assertIn("who reaches 127.0.0.1", closed)
+        self.assertIn("pages when the user allows it", closed)
+        self.assertIn("files below /tmp", closed)
+        self.dpkg("--remove", "mvsignpad-secure")
+        self.assertEqual(self.access(), before)
+
+    def test_administrators_settings_go_before_the_packaged_ones_and_stay(self):
+        self.dpkg("--install", self.program)
+        own = self.at("/etc/xdg/mvsignpadsdk/MVSignPadSDK_Access.conf")
+        own.parent.mkdir(parents=True)
+        self.addCleanup(os.removedirs, own.parent)
+        self.addCleanup(own.unlink)
+        own.write_text("[Access]\nSaveFolders=/srv\n")
+        self.dpkg("--install", self.secure)
+        self.assertIn("who reaches 127.0.0.1", self.access())
+        self.assertIn("files below /srv", self.access())
+        self.dpkg("--remove", "mvsignpad-secure")
+        self.assertEqual(own.read_text(), "[Access]\nSaveFolders=/srv\n")
+        self.assertIn("every machine that reaches the port", self.access())
 
     def test_desktop_entries(self):
         self.dpkg("--install", self.program)

@@ -14,8 +14,10 @@ import sys
 import tempfile
 import unittest
 
-from test_packages import MAKERS_LIBRARY, PROGRAM_FILES, SOME_DOCUMENTS, VIRTUAL_PAD
+from test_packages import (MAKERS_LIBRARY, PACKAGED_SETTINGS, PROGRAM_FILES, SECURE_FILES, SOME_DOCUMENTS,
+                           VIRTUAL_PAD)
 
+NAMES = ["mvsignpad", "mvsignpad-virtual", "mvsignpad-secure"]
 LINT_SETTINGS = pathlib.Path(__file__).resolve().parents[2] / "packaging" / "rpmlint.toml"
 # A library by its soname, a feature of rpm itself, the loader's hash table, and the one program.
 REQUIREMENT = re.compile(r"lib[\w+]+\.so\.\d+\(.*\)\(64bit\)|ld-linux-.*\(64bit\)|rpmlib\(.*\) .*|rtld\(GNU_HASH\)|/usr/bin/pgrep")
@@ -26,7 +28,7 @@ def output(*command):
 
 
 class Packages:
-    """The packages of the program and of the virtual pad, as they are and as an older version."""
+    """The packages of the program, of the virtual pad and of the settings, as they are and as an older version."""
 
     def __init__(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="rpm-", dir=BUILD))
@@ -39,8 +41,9 @@ class Packages:
                         *(["-R", version] if version else [])], check=True, stdout=subprocess.DEVNULL,
                        stderr=subprocess.DEVNULL, cwd=BUILD)
         virtual, = folder.glob("mvsignpad-virtual-*.rpm")
-        program, = set(folder.glob("mvsignpad-*.rpm")) - {virtual}
-        return [program, virtual]
+        secure, = folder.glob("mvsignpad-secure-*.noarch.rpm")
+        program, = set(folder.glob("mvsignpad-*.rpm")) - {virtual, secure}
+        return [program, virtual, secure]
 
 
 class RpmLintTest(unittest.TestCase):
@@ -72,14 +75,20 @@ class RpmTest(unittest.TestCase):
         virtual = self.files("mvsignpad-virtual")
         self.assertLessEqual({VIRTUAL_PAD, *SOME_DOCUMENTS}, virtual)
         self.assertEqual([path for path in virtual if path.startswith("/opt")], [])
-        self.assertEqual(self.rpm("--verify", "--nodeps", "mvsignpad", "mvsignpad-virtual"), "")
+        self.assertEqual(self.files("mvsignpad-secure"), set(SECURE_FILES))
+        self.assertEqual(self.rpm("--verify", "--nodeps", *NAMES), "")
+
+    def requirements(self, package):
+        return output("rpm", "--query", "--requires", "--package", package).split("\n")[:-1]
 
     def test_requirements_fit_any_distribution(self):
-        for package in PACKAGES.new:
-            requirements = output("rpm", "--query", "--requires", "--package", package).split("\n")[:-1]
-            self.assertIn("libQt5Core.so.5(Qt_5)(64bit)", requirements)
-            self.assertEqual([name for name in requirements if not REQUIREMENT.fullmatch(name)], [])
+        *programs, secure = PACKAGES.new
+        for package in programs:
+            self.assertIn("libQt5Core.so.5(Qt_5)(64bit)", self.requirements(package))
+            self.assertEqual([name for name in self.requirements(package) if not REQUIREMENT.fullmatch(name)], [])
             self.assertNotIn("libmvsignpadsdk", output("rpm", "--query", "--provides", "--package", package))
+        others = [name for name in self.requirements(secure) if not name.startswith("rpmlib(")]
+        self.assertEqual([name.split()[:2] for name in others], [["mvsignpad", ">="]])
 
     def test_upgrade_and_removal_leave_the_makers_library(self):
         self.install(PACKAGES.old)
@@ -88,9 +97,10 @@ class RpmTest(unittest.TestCase):
         self.install(PACKAGES.new)
         self.assertNotEqual(self.rpm("--query", "--queryformat", "%{VERSION}", "mvsignpad"), "0.9")
         self.assertEqual(self.at(MAKERS_LIBRARY).read_text(), "the maker's")
-        self.rpm("--erase", "mvsignpad", "mvsignpad-virtual")
+        self.rpm("--erase", *NAMES)
         self.assertEqual([path.name for path in self.at("/opt/mvsignpad").iterdir()], ["libmvsignpadsdk.so"])
         self.assertFalse(self.at("/usr/bin/mvsignctl").exists())
+        self.assertFalse(self.at(PACKAGED_SETTINGS).exists())
 
 
 if __name__ == "__main__":
