@@ -1,6 +1,7 @@
 #include "base/RuntimeSettings.h"
 
 #include <QByteArray>
+#include <QtGlobal>
 
 #include <malloc.h>
 #include <sys/resource.h>
@@ -27,6 +28,9 @@ void ApplyRuntimeSettings()
     // The event loops of all threads but the first do without GLib, which serves nothing there and makes a third of
     // the system calls of a message.
     qputenv("QT_NO_THREADED_GLIB", "1");
+    // Nothing here is drawn by OpenGL: for the first menu Qt would load its drivers, which take memory for good.
+    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
+        qputenv("QT_XCB_GL_INTEGRATION", "none");
     // NOLINTBEGIN(concurrency-mt-unsafe): no other thread is there yet
     // One heap for all threads: from others, what is free at the end does not go back to the system.
     mallopt(M_ARENA_MAX, 1);

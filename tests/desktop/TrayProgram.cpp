@@ -49,9 +49,11 @@ QString TrayProgram::exitThroughMenu(const DesktopSession &desktop)
         return QStringLiteral("the menu did not come up");
     if (!waitForEnd())
         return QStringLiteral("the program did not end");
-    if (exitStatus() != 0)
-        return QStringLiteral("the program ended with status %1").arg(exitStatus());
-    return output().isEmpty() ? QString() : QStringLiteral("the program wrote: ") + QString::fromUtf8(output());
+    if (exitStatus() == 0 && output().isEmpty())
+        return QString();
+    return QStringLiteral("the program ended with status %1 and wrote: %2")
+        .arg(exitStatus())
+        .arg(QString::fromUtf8(output()));
 }
 
 int TrayProgram::exitStatus() const

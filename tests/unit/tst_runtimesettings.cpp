@@ -73,6 +73,7 @@ class RuntimeSettingsTest : public QObject
 private Q_SLOTS:
     void asManyDescriptorsAsTheSystemPermits();
     void threadsDoWithoutGlib();
+    void noDriversOfOpenGlUnlessWanted();
     void oneHeapForAllThreads();
     void roomOfAPictureComesFromTheHeap();
     void roomOfAPictureStaysInTheHeap();
@@ -89,6 +90,14 @@ void RuntimeSettingsTest::asManyDescriptorsAsTheSystemPermits()
 void RuntimeSettingsTest::threadsDoWithoutGlib()
 {
     QCOMPARE(qgetenv("QT_NO_THREADED_GLIB"), QByteArray("1"));
+}
+
+void RuntimeSettingsTest::noDriversOfOpenGlUnlessWanted()
+{
+    QCOMPARE(qgetenv("QT_XCB_GL_INTEGRATION"), QByteArray("none"));
+    qputenv("QT_XCB_GL_INTEGRATION", "xcb_egl");
+    ApplyRuntimeSettings();
+    QCOMPARE(qgetenv("QT_XCB_GL_INTEGRATION"), QByteArray("xcb_egl"));
 }
 
 void RuntimeSettingsTest::oneHeapForAllThreads()
@@ -135,6 +144,7 @@ int main(int argc, char *argv[])
     descriptors.rlim_cur = few;
     setrlimit(RLIMIT_NOFILE, &descriptors);
     qunsetenv("QT_NO_THREADED_GLIB");
+    qunsetenv("QT_XCB_GL_INTEGRATION");
     ApplyRuntimeSettings();
     QCoreApplication application(argc, argv);
     RuntimeSettingsTest test;
