@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the packages of the last commit and leaves them in dist/: two .deb and two .rpm for each architecture. Arguments
-# name the architectures, if not this machine's and arm64.
+# Builds the packages of the last commit and leaves them in dist/: two .deb and two .rpm for each architecture, and one of each
+# kind for all. Arguments name the architectures, if not this machine's and arm64.
 #
 # The build runs in a Debian 11 of its own, whose libraries are old enough: what is linked there runs on every desktop since.
 set -euo pipefail
