@@ -29,15 +29,15 @@ ELSEWHERE = re.compile(r"virtualpad|api(document|examples)|tst_recorder")
 # What looks hardest at a room runs first, each row built and run as one.
 FIRST = {
     "app": [["tst_main"]],
-    "base": [["tst_logging", "tst_jsontext", "tst_traysettings", "tst_wpssettings"]],
+    "base": [["tst_runtimesettings", "tst_logging", "tst_jsontext", "tst_traysettings", "tst_wpssettings"]],
     "device": [["tst_devicelog", "tst_matrix"],
                ["tst_ink", "tst_control", "tst_wpspicture", "tst_decodesave", "tst_callbacks", "tst_binding",
                 "tst_fingerprint"]],
-    "service": [["tst_dispatch", "tst_servicelog"],
+    "service": [["tst_dispatch", "tst_servicelog", "tst_origingate", "tst_originanswers"],
                 ["tst_requests", "tst_websocketservice", "tst_push", "tst_wpssettings", "tst_accesssettings",
-                 "tst_urlparameters"]],
+                 "tst_askorigin", "tst_origintext", "tst_clientsocket", "tst_clientconnections", "tst_urlparameters"]],
     "tray": [["tst_trayentries", "tst_traysettings", "tst_traymanager", "tst_detectsingleinstance", "tst_startover",
-              "tst_main"]],
+              "tst_statusnotifierhost", "tst_originquestion", "tst_originlist", "tst_main"]],
 }
 TEST_SECONDS = 300
 TEST_BYTES = 6 << 30  # of addresses; a change may ask for memory without end

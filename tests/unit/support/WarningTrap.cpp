@@ -5,13 +5,16 @@
 
 namespace {
 
+/// How the platform without a display begins what it says of windows.
+const char noDisplay[] = "This plugin does not support ";
+
 QMutex g_mutex;
 QStringList g_warnings;
 QtMessageHandler g_previous = nullptr;
 
 void keepWarning(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (type != QtDebugMsg && type != QtInfoMsg) {
+    if (type != QtDebugMsg && type != QtInfoMsg && !message.startsWith(QLatin1String(noDisplay))) {
         QMutexLocker locker(&g_mutex);
         g_warnings.append(message);
     }

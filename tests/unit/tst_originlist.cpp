@@ -1,4 +1,4 @@
-// The window that lists what was answered about origins, on a real display and with a real settings file.
+// The window that lists what was answered about origins, with a real settings file.
 #include "service/OriginAnswers.h"
 #include "service/OriginDesk.h"
 #include "tests/unit/support/Patience.h"

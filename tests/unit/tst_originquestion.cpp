@@ -1,4 +1,4 @@
-// The windows that ask about origins, on a real display, without the service: what they say, and which input counts.
+// The windows that ask about origins, without the service: what they say, and which input counts.
 #include "service/AccessPolicy.h"
 #include "service/OriginDesk.h"
 #include "tests/unit/support/Patience.h"
