@@ -3,7 +3,6 @@
 #include "service/OriginDesk.h"
 #include "service/OriginText.h"
 
-#include <algorithm>
 #include <utility>
 
 OriginGate::OriginGate(AccessPolicy policy, OriginDesk *pDesk, int nGraceMs)
@@ -45,8 +44,8 @@ bool OriginGate::CanBeAsked(const QString &strOrigin) const
 {
     if (!m_pDesk || !m_pDesk->CanAsk() || !IsOrigin(strOrigin) || m_pDesk->Refusals().IsSilenced(strOrigin))
         return false;
-    const int nWaiting = m_waiting.count(strOrigin);
-    return nWaiting > 0 ? nWaiting < nMostWaiting : m_waiting.uniqueKeys().size() < nMostAsked;
+    const int nWaiting = m_waiting.value(strOrigin).size();
+    return nWaiting > 0 ? nWaiting < nMostWaiting : m_waiting.size() < nMostAsked;
 }
 
 void OriginGate::Admit(QWebSocket *pClient, const QString &strOrigin)
@@ -57,19 +56,21 @@ void OriginGate::Admit(QWebSocket *pClient, const QString &strOrigin)
 
 bool OriginGate::LetWait(QWebSocket *pClient, const QString &strOrigin)
 {
-    const bool bFirst = !m_waiting.contains(strOrigin);
-    m_waiting.insert(strOrigin, pClient);
-    return bFirst;
+    QList<QWebSocket *> &waiting = m_waiting[strOrigin];
+    waiting.append(pClient);
+    return waiting.size() == 1;
 }
 
 bool OriginGate::Remove(QWebSocket *pClient, const QString &strOrigin)
 {
     if (m_admitted.remove(strOrigin, pClient) > 0 && m_allowedThisTime.contains(strOrigin))
         m_allowedThisTime[strOrigin] = QDeadlineTimer(m_nGraceMs);
-    const bool bLast = m_waiting.remove(strOrigin, pClient) > 0 && !m_waiting.contains(strOrigin);
-    if (bLast)
-        m_pDesk->Refusals().NoteWithdrawal(strOrigin);
-    return bLast;
+    const auto waiting = m_waiting.find(strOrigin);
+    if (waiting == m_waiting.end() || !waiting->removeOne(pClient) || !waiting->isEmpty())
+        return false;
+    m_waiting.erase(waiting);
+    m_pDesk->Refusals().NoteWithdrawal(strOrigin);
+    return true;
 }
 
 QList<QWebSocket *> OriginGate::TakeAnswer(const QString &strOrigin, OriginAnswer answer)
@@ -101,9 +102,14 @@ void OriginGate::AllowThisTime(const QString &strOrigin)
 
 QList<QWebSocket *> OriginGate::TakeWaiting(const QString &strOrigin)
 {
-    QList<QWebSocket *> clients = m_waiting.values(strOrigin);
-    std::reverse(clients.begin(), clients.end()); // in the order in which they came
-    m_waiting.remove(strOrigin);
+    return m_waiting.take(strOrigin);
+}
+
+QList<QWebSocket *> OriginGate::Waiting() const
+{
+    QList<QWebSocket *> clients;
+    for (const QList<QWebSocket *> &waiting : m_waiting)
+        clients += waiting;
     return clients;
 }
 

@@ -45,8 +45,8 @@ public:
     void SetAnswers(const OriginAnswers &answers) { m_policy.originAnswers = answers; }
 
     bool HasWaiting() const { return !m_waiting.isEmpty(); }
-    QStringList WaitingOrigins() const { return m_waiting.uniqueKeys(); }
-    QList<QWebSocket *> Waiting() const { return m_waiting.values(); }
+    QStringList WaitingOrigins() const { return m_waiting.keys(); }
+    QList<QWebSocket *> Waiting() const;
     /// The clients of that origin, who wait no more then.
     QList<QWebSocket *> TakeWaiting(const QString &strOrigin);
     /// Those that were let in and whose origin the user has blocked since.
@@ -61,7 +61,7 @@ private:
     OriginDesk *m_pDesk;
     int m_nGraceMs;
     QMultiHash<QString, QWebSocket *> m_admitted;
-    QMultiHash<QString, QWebSocket *> m_waiting;
+    QHash<QString, QList<QWebSocket *>> m_waiting; // by their origins, in the order in which they came
     /// By the origins that are allowed this time: how long that holds when no client of theirs is there.
     QHash<QString, QDeadlineTimer> m_allowedThisTime;
 };

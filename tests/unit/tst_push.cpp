@@ -21,7 +21,11 @@
 namespace {
 
 constexpr std::size_t threadCount = 4;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::chrono::milliseconds pause(30); // a service that is watched is the slower
+#else
 constexpr std::chrono::milliseconds pause(5); // a pad has 200 points a second to tell of
+#endif
 const char enabled[] =
     R"({"API":"EnableRealtimeSigningNotification","Result":"0"})"; // no pad: 0, and enabled all the same
 
