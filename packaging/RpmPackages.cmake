@@ -5,7 +5,7 @@ set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
 set(CPACK_RPM_PACKAGE_LICENSE "Proprietary")
 set(CPACK_RPM_PACKAGE_GROUP "Applications/Productivity")
 # cpack's own template gives every package six empty scripts, for which rpm then asks for a shell.
-set(CPACK_RPM_USER_BINARY_SPECFILE "${CMAKE_CURRENT_SOURCE_DIR}/package.spec.in")
+set(CPACK_RPM_USER_BINARY_SPECFILE "${CMAKE_CURRENT_SOURCE_DIR}/rpm-package.in")
 set(CPACK_RPM_COMPRESSION_TYPE gzip) # the oldest rpm knows no newer one
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
     set(CPACK_RPM_PACKAGE_ARCHITECTURE aarch64)
