@@ -35,8 +35,7 @@ int RunFirstInstance()
     MV_LOG(tag, "First instance coming, keep going...");
 
     SysTrayMenuMgr manager(nullptr);
-    StatusOnBus statusOnBus;
-    statusOnBus.Follow(manager.StatusSource());
+    StatusOnBus statusOnBus(manager.StatusSource());
     QObject::connect(&statusOnBus, &StatusOnBus::originAnswersChanged, &manager.Desk(), &OriginDesk::answersChanged);
     QObject::connect(&manager, &SysTrayMenuMgr::closed, &QCoreApplication::quit);
     manager.Initialize();

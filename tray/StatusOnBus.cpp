@@ -27,8 +27,11 @@ QDBusMessage CallOfTheBus(const char *szMethod)
 
 } // namespace
 
-StatusOnBus::StatusOnBus(QObject *parent) : QObject(parent), m_pAdaptor(new StatusAdaptor(this)), m_bus(QString())
+StatusOnBus::StatusOnBus(const ServiceStatusSource &source, QObject *parent)
+    : QObject(parent), m_pAdaptor(new StatusAdaptor(this)), m_bus(QString())
 {
+    // Queued from this thread too: "stopped" is told on it while words of the service may still be on their way.
+    connect(&source, &ServiceStatusSource::statusChanged, this, &StatusOnBus::SetServiceStatus, Qt::QueuedConnection);
     auto *const pProbe = new SessionBusProbe(this);
     connect(pProbe, &SessionBusProbe::answered, this, &StatusOnBus::Publish);
     pProbe->Start();
@@ -50,12 +53,6 @@ void StatusOnBus::Publish(const QString &busAddress)
     QDBusMessage request = CallOfTheBus("RequestName"); // by QDBusConnection's own function it would be waited for
     request.setArguments({QLatin1String(serviceName), nDoNotQueue});
     m_bus.asyncCall(request);
-}
-
-void StatusOnBus::Follow(const ServiceStatusSource &source)
-{
-    // Queued from this thread too: "stopped" is told on it while words of the service may still be on their way.
-    connect(&source, &ServiceStatusSource::statusChanged, this, &StatusOnBus::SetServiceStatus, Qt::QueuedConnection);
 }
 
 void StatusOnBus::SetServiceStatus(const ServiceStatus &status)

@@ -17,12 +17,9 @@ class StatusOnBus : public QObject
     Q_OBJECT
 
 public:
-    /// Looks for the bus; the object is there a moment after the event loop has started.
-    explicit StatusOnBus(QObject *parent = nullptr);
+    /// Keeps to what the source tells. Looks for the bus; the object is there a moment after the event loop has begun.
+    explicit StatusOnBus(const ServiceStatusSource &source, QObject *parent = nullptr);
     ~StatusOnBus() override;
-
-    /// Keeps to what the source tells.
-    void Follow(const ServiceStatusSource &source);
 
     const ServiceStatus &Service() const { return m_service; }
 

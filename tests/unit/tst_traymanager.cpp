@@ -72,8 +72,7 @@ void TrayManagerTest::stoppedIsTheLastThatIsTold()
     m_home.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"),
                        "[Settings]\nWebSocketPort=" + QByteArray::number(freePort()) + '\n');
     m_manager->LoadDataFromINIFIle();
-    StatusOnBus status;
-    status.Follow(m_manager->StatusSource());
+    const StatusOnBus status(m_manager->StatusSource());
     std::atomic<int> told{0};
     const auto count = [&told](const ServiceStatus &) { ++told; };
     connect(&m_manager->StatusSource(), &ServiceStatusSource::statusChanged, &status, count, Qt::DirectConnection);
