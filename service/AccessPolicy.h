@@ -26,4 +26,11 @@ struct AccessPolicy {
     {
         return unknownOrigins.value_or(allowedOrigins ? UnknownOrigins::Block : UnknownOrigins::Allow);
     }
+    /// Whether the user is asked about pages.
+    bool AsksTheUser() const { return ForUnknownOrigins() == UnknownOrigins::Ask; }
+    /// The origins whose pages are served without a question, but for those that the user has blocked.
+    QStringList NamedOrigins() const
+    {
+        return allowedOrigins.value_or(QStringList()) + (AsksTheUser() ? originAnswers.Allowed() : QStringList());
+    }
 };

@@ -42,9 +42,9 @@ int PrintAccess()
     const AccessPolicy access = ReadAccessPolicy();
     if (!access.bServesAnybody)
         return Fail(Text::tr("nobody is served: %1").arg(access.strClosedReason));
-    const bool bAsking = access.ForUnknownOrigins() == UnknownOrigins::Ask;
     PrintOrigins(Text::tr("allowed by the settings"), access.allowedOrigins.value_or(QStringList()));
-    PrintOrigins(bAsking ? Text::tr("allowed") : Text::tr("allowed where the user is asked, which is not so"),
+    PrintOrigins(access.AsksTheUser() ? Text::tr("allowed")
+                                      : Text::tr("allowed where the user is asked, which is not so"),
                  access.originAnswers.Allowed());
     PrintOrigins(Text::tr("blocked"), access.originAnswers.Blocked());
     Print(stdout, Text::tr("pages of other origins: %1").arg(FateOfOthers(access.ForUnknownOrigins())));

@@ -8,15 +8,6 @@
 #include <QAction>
 #include <QMenu>
 
-namespace {
-
-bool HasTheUserAsked(const AccessPolicy &policy)
-{
-    return policy.ForUnknownOrigins() == UnknownOrigins::Ask;
-}
-
-} // namespace
-
 OriginWindows::OriginWindows(OriginDesk &desk) : m_desk(desk) {}
 
 OriginWindows::~OriginWindows() = default;
@@ -31,7 +22,7 @@ void OriginWindows::OfferList(const AccessPolicy &policy, const TrayTexts &texts
 {
     delete m_pEntry;
     delete m_pSeparator;
-    if (!m_pMenu || !HasTheUserAsked(policy))
+    if (!m_pMenu || !policy.AsksTheUser())
         return;
     m_pEntry = new QAction(QString::fromUtf8(texts.szOriginList), m_pMenu);
     connect(m_pEntry, &QAction::triggered, this, [this, &texts] { OpenList(texts); });
@@ -50,7 +41,7 @@ void OriginWindows::OpenList(const TrayTexts &texts)
 void OriginWindows::StartAsking(const AccessPolicy &policy, const TrayTexts &texts)
 {
     OfferList(policy, texts);
-    if (HasTheUserAsked(policy))
+    if (policy.AsksTheUser())
         m_pQuestions = std::make_unique<OriginQuestions>(m_desk, texts.question, policy);
 }
 

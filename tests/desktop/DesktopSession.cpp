@@ -282,6 +282,17 @@ QImage DesktopSession::screenshot() const
                                                            QStringLiteral("root"), QStringLiteral("ppm:-")}));
 }
 
+QRect DesktopSession::padPaper() const
+{
+    const QImage screen = screenshot();
+    QRect paper;
+    for (int y = 0; y < screen.height(); ++y)
+        for (int x = 0; x < screen.width(); ++x)
+            if (screen.pixel(x, y) == qRgb(0xf4, 0xf6, 0xf1))
+                paper |= QRect(x, y, 1, 1);
+    return paper;
+}
+
 bool DesktopSession::keepScreenshot(const QString &name) const
 {
     return QDir().mkpath(QStringLiteral(MVSIGNPAD_TEST_OUTPUT))

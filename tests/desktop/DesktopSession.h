@@ -50,6 +50,8 @@ public:
     bool isOnTheBus(qint64 process) const;
 
     QImage screenshot() const;
+    /// The paper of the virtual pad's window; empty when it is not on the screen.
+    QRect padPaper() const;
     /// Keeps a picture of the screen among the test's outputs.
     bool keepScreenshot(const QString &name) const;
     /// Takes what the screen shows now for its background, in which no icon is looked for.

@@ -2,6 +2,7 @@
 #include "tests/desktop/DesktopSession.h"
 #include "tests/desktop/TrayProgram.h"
 #include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/Replies.h"
 #include "tests/unit/support/SignClient.h"
 
 #include <QElapsedTimer>
@@ -160,10 +161,7 @@ bool PadWindowTest::start(const QString &inkFile)
 
 QString PadWindowTest::ask(const QString &command)
 {
-    return QJsonDocument::fromJson(m_client->command(command).toUtf8())
-        .object()
-        .value(QLatin1String("Result"))
-        .toString();
+    return resultOf(m_client->command(command));
 }
 
 QByteArray PadWindowTest::xdotool(const QStringList &arguments) const
@@ -189,12 +187,7 @@ qint64 PadWindowTest::padWindow() const
 QRect PadWindowTest::padScreen() const
 {
     // Found by its paper: what a window manager tells of a framed window's place is not to be relied on.
-    const QImage screen = m_desktop->screenshot();
-    QRect paper;
-    for (int y = 0; y < screen.height(); ++y)
-        for (int x = 0; x < screen.width(); ++x)
-            if (screen.pixel(x, y) == qRgb(0xf4, 0xf6, 0xf1))
-                paper |= QRect(x, y, 1, 1);
+    const QRect paper = m_desktop->padPaper();
     // A dark line runs around it, and its upper end is shaded.
     return paper.isEmpty() ? QRect() : QRect(paper.left() - 1, paper.bottom() + 2 - 240, 400, 240);
 }

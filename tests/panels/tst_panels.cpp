@@ -2,10 +2,9 @@
 #include "tests/desktop/TrayProgram.h"
 #include "tests/panels/Panel.h"
 #include "tests/unit/support/FreePort.h"
+#include "tests/unit/support/Replies.h"
 #include "tests/unit/support/SignClient.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTest>
 
 #include <cmath>
@@ -25,7 +24,6 @@ private:
     bool startPanel(const Panel &panel);
     bool startProgram(const Panel &panel);
     QRect menuArea() const;
-    QRect padScreen() const;
     QRect openMenu() const;
     bool chooseMenuEntry(int index) const;
     bool keepScreenshot(const char *what) const;
@@ -153,22 +151,7 @@ bool PanelsTest::chooseMenuEntry(int index) const
 
 QString PanelsTest::ask(const QString &command)
 {
-    return QJsonDocument::fromJson(m_client->command(command).toUtf8())
-        .object()
-        .value(QLatin1String("Result"))
-        .toString();
-}
-
-/// The paper of the pad's window; empty when it is not on the screen.
-QRect PanelsTest::padScreen() const
-{
-    const QImage screen = m_desktop->screenshot();
-    QRect paper;
-    for (int y = 0; y < screen.height(); ++y)
-        for (int x = 0; x < screen.width(); ++x)
-            if (screen.pixel(x, y) == qRgb(0xf4, 0xf6, 0xf1))
-                paper |= QRect(x, y, 1, 1);
-    return paper;
+    return resultOf(m_client->command(command));
 }
 
 bool PanelsTest::writeOnPad(const QRect &pad)
@@ -191,7 +174,7 @@ void PanelsTest::captureSignature()
     m_client.reset(new SignClient);
     QVERIFY(m_client->connectTo(m_port));
     QCOMPARE(ask(QStringLiteral("InitialDevice?id=2&width=400&height=240")), QStringLiteral("1"));
-    const QRect pad = waitForStill([this] { return padScreen(); }, patienceMs);
+    const QRect pad = waitForStill([this] { return m_desktop->padPaper(); }, patienceMs);
     QVERIFY(!pad.isEmpty());
     QVERIFY(writeOnPad(pad));
     QCOMPARE(ask(QStringLiteral("GetDeviceConfirmOrCancelKeyStatus")), QStringLiteral("-1"));
@@ -203,7 +186,7 @@ void PanelsTest::captureSignature()
     QCOMPARE(ask(QStringLiteral("SaveDrawingImage?type=3&dpi=300&path=") + file), file);
     QVERIFY(!QImage(file).isNull());
     QCOMPARE(ask(QStringLiteral("UninitialDevice")), QStringLiteral("1"));
-    QTRY_VERIFY_WITH_TIMEOUT(padScreen().isEmpty(), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_desktop->padPaper().isEmpty(), patienceMs);
 }
 
 void PanelsTest::panel_data()

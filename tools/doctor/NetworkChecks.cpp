@@ -88,14 +88,11 @@ std::optional<QString> OriginFor(const AccessPolicy &access)
 {
     if (!access.bRequireOrigin)
         return QString();
-    const OriginAnswers &answers = access.originAnswers;
-    QStringList candidates = access.allowedOrigins.value_or(QStringList());
-    if (access.ForUnknownOrigins() == UnknownOrigins::Ask)
-        candidates += answers.Allowed();
+    QStringList candidates = access.NamedOrigins();
     if (access.ForUnknownOrigins() == UnknownOrigins::Allow)
         candidates += QStringLiteral("http://localhost");
     for (const QString &strOrigin : qAsConst(candidates)) {
-        if (!answers.Blocked().contains(strOrigin))
+        if (!access.originAnswers.Blocked().contains(strOrigin))
             return strOrigin;
     }
     return std::nullopt;

@@ -25,9 +25,7 @@ QString FlawOf(const QString &path, const QStringList &knownKeys)
 QString PagesServed(const AccessPolicy &access)
 {
     const UnknownOrigins unknown = access.ForUnknownOrigins();
-    QStringList allowed = access.allowedOrigins.value_or(QStringList());
-    if (unknown == UnknownOrigins::Ask)
-        allowed += access.originAnswers.Allowed();
+    const QStringList allowed = access.NamedOrigins();
     const QString named = allowed.join(QLatin1Char(' '));
     const QString blocked = access.originAnswers.Blocked().join(QLatin1Char(' '));
     const QString pages =

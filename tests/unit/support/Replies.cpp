@@ -1,5 +1,13 @@
 #include "tests/unit/support/Replies.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
+QString resultOf(const QString &reply)
+{
+    return QJsonDocument::fromJson(reply.toUtf8()).object().value(QLatin1String("Result")).toString();
+}
+
 QString settingsReply(const char *width, const char *autoFit, const char *dateTime, const QString &name)
 {
     return QStringLiteral(R"({"API":"GetWPSSettings","Result":"{\"CurrentPenWidth\":\"%1\",\"EnableAutoFit\":\"%2\",)"

@@ -4,6 +4,9 @@
 
 // Messages of the service that several tests expect, spelled out in one place.
 
+/// What stands under "Result" in a reply; empty when it is none.
+QString resultOf(const QString &reply);
+
 /// The reply to GetWPSSettings; the name as it stands inside the nested text.
 QString settingsReply(const char *width, const char *autoFit, const char *dateTime, const QString &name);
 
