@@ -104,9 +104,7 @@ void MachineFaultsTest::missingIconIsSurvived()
     QVERIFY(QFile::remove(m_place->file(QStringLiteral("mvsignpadsdk_wssvr.ico"))));
     QVERIFY(m_place->startServing());
     QVERIFY(m_place->serves());
-    QTest::qWait(1000);
     QVERIFY(m_place->program().isRunning());
-    QVERIFY(m_place->serves());
 }
 
 void MachineFaultsTest::clockIsSetBack()

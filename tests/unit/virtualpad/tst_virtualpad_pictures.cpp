@@ -100,6 +100,18 @@ private Q_SLOTS:
         }
     }
 
+    void jpegHasFewTraces()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialiseWith(straightLine(500), 400, 100));
+        for (const QByteArray &picture : {pad.encoded(4), saved(pad, 4, 96)}) {
+            // The last divisor of the quantization table of brightness is 99 at a quality of 50, and 16 at 92.
+            const int table = picture.indexOf(QByteArray::fromHex("ffdb004300"));
+            QVERIFY(table > 0);
+            QCOMPARE(int(picture.at(table + 5 + 63)), 16);
+        }
+    }
+
     void svgIsAPictureOfTheSameInk()
     {
         LoadedPad pad;

@@ -155,6 +155,25 @@ private Q_SLOTS:
         QCOMPARE(pad.GetDeviceConfirmOrCancelKeyStatus(7), -1);
     }
 
+    void theBodyIsAsWideAsItsHeaderNeeds_data()
+    {
+        QTest::addColumn<QSize>("screen");
+        QTest::addColumn<QSize>("window");
+        QTest::newRow("a wide pad") << QSize(400, 300) << QSize(452, 426);
+        QTest::newRow("a narrow pad") << QSize(100, 60) << QSize(382, 186);
+    }
+
+    void theBodyIsAsWideAsItsHeaderNeeds()
+    {
+        QFETCH(QSize, screen);
+        LoadedPad pad;
+        QVERIFY(pad.initialise(screen.width(), screen.height()));
+        QWidget *const pWindow = padWindow();
+        QVERIFY(pWindow);
+        QTEST(pWindow->size(), "window");
+        QCOMPARE(surfaceOf(pWindow)->geometry(), QRect(QPoint((pWindow->width() - screen.width()) / 2, 46), screen));
+    }
+
     void theIconIsAPadWithAStroke()
     {
         LoadedPad pad;
@@ -185,6 +204,29 @@ private Q_SLOTS:
         QVERIFY(inked.size() > 100);
         QVERIFY2(std::abs(inked.first() - 32) <= 1, qPrintable(QString::number(inked.first())));
         QVERIFY2(inked.last() >= 360 && inked.last() <= 369, qPrintable(QString::number(inked.last())));
+    }
+
+    void theHintGoesWithTheFirstPoint()
+    {
+        LoadedPad pad;
+        QVERIFY(pad.initialise(400, 300));
+        QWidget *const pSurface = surfaceOf(padWindow());
+        const auto hint = [pSurface] {
+            const QImage below = pSurface->grab(QRect(100, 226, 200, 28)).toImage();
+            QRect inked;
+            for (int y = 0; y < below.height(); ++y)
+                for (int x = 0; x < below.width(); ++x)
+                    if (qGray(below.pixel(x, y)) < 200)
+                        inked |= QRect(x, y, 1, 1);
+            return inked;
+        };
+        QVERIFY(hint().width() > 40);
+        QVERIFY2(std::abs(hint().center().x() - 100) <= 3, "not in the middle");
+        drag(pSurface, {{50, 60}, {60, 65}});
+        QCOMPARE(hint(), QRect());
+        pad.Clear(2);
+        settle();
+        QVERIFY(hint().width() > 40);
     }
 
     void theLampAndTheKeysShowTheState()

@@ -158,6 +158,8 @@ private Q_SLOTS:
                 QVERIFY(std::abs(point.pressure - points[i - 1].pressure) <= 150);
             }
         }
+        const TestPoint touch = {108, 282, 154, 0, "0"};
+        QCOMPARE(points.first(), touch);
         QCOMPARE(strokes, 4);
         QCOMPARE(points.last().strokeEnd, 1);
         QVERIFY2(left >= 70 && right <= 890 && right - left >= 800, "fills the pad's width but for a margin");
