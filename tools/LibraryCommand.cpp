@@ -7,37 +7,31 @@
 #include <QFileInfo>
 #include <QLibrary>
 
-#include <iterator>
+#include <vector>
 
 namespace {
 
-#define FUNCTION_NAME(Model, name, result, parameters, ...)                                                            \
-    MV_SDK_IF_MODEL_HAS(Model, __VA_ARGS__, "MV" #Model "_" #name, )
-
-const char *const alderFunctions[] = {MV_SDK_FUNCTIONS(FUNCTION_NAME, Alder)};
-const char *const birchFunctions[] = {MV_SDK_FUNCTIONS(FUNCTION_NAME, Birch)};
-const char *const cedarFunctions[] = {MV_SDK_FUNCTIONS(FUNCTION_NAME, Cedar)};
-const char *const mapleFunctions[] = {MV_SDK_FUNCTIONS(FUNCTION_NAME, Maple)};
-const char *const rowanFunctions[] = {MV_SDK_FUNCTIONS(FUNCTION_NAME, Rowan)};
-
 struct Family {
     const char *szModel;
-    const char *const *functions;
-    std::size_t nFunctions;
+    std::vector<const char *> functions;
 };
 
-const Family families[] = {
-    {"Alder", alderFunctions, std::size(alderFunctions)}, {"Birch", birchFunctions, std::size(birchFunctions)},
-    {"Cedar", cedarFunctions, std::size(cedarFunctions)}, {"Maple", mapleFunctions, std::size(mapleFunctions)},
-    {"Rowan", rowanFunctions, std::size(rowanFunctions)},
-};
+std::vector<Family> Families()
+{
+#define FUNCTION_NAME(Model, name, result, parameters, ...)                                                            \
+    MV_SDK_IF_MODEL_HAS(Model, __VA_ARGS__, "MV" #Model "_" #name, )
+#define FAMILY(Model, nID) {#Model, {MV_SDK_FUNCTIONS(FUNCTION_NAME, Model)}},
+    return {MV_SDK_MODELS(FAMILY)};
+#undef FAMILY
+#undef FUNCTION_NAME
+}
 
 QStringList Missing(const Family &family, QLibrary &library)
 {
     QStringList missing;
-    for (std::size_t i = 0; i < family.nFunctions; ++i) {
-        if (!library.resolve(family.functions[i]))
-            missing += QString::fromLatin1(family.functions[i]);
+    for (const char *szFunction : family.functions) {
+        if (!library.resolve(szFunction))
+            missing += QString::fromLatin1(szFunction);
     }
     return missing;
 }
@@ -50,12 +44,12 @@ int ExamineLibrary(const Invocation &invocation)
     if (!library.load())
         return Fail(library.errorString());
     bool bComplete = false;
-    for (const Family &family : families) {
+    for (const Family &family : Families()) {
         const QStringList missing = Missing(family, library);
         bComplete = bComplete || missing.isEmpty();
         if (missing.isEmpty())
             Print(stdout, Text::tr("%1: complete").arg(QString::fromLatin1(family.szModel)));
-        else if (missing.size() == static_cast<int>(family.nFunctions))
+        else if (missing.size() == static_cast<int>(family.functions.size()))
             Print(stdout, Text::tr("%1: not in it").arg(QString::fromLatin1(family.szModel)));
         else
             Print(stdout, Fill(Text::tr("%1: lacks %2"),

@@ -77,7 +77,7 @@ private Q_SLOTS:
     void languagesFit();
 
 private:
-    void open();
+    bool open();
 
     PrivateHome m_home;
     std::unique_ptr<WarningTrap> m_warnings;
@@ -108,12 +108,12 @@ void OriginListTest::cleanup()
     QCOMPARE(m_warnings->taken(), QStringList());
 }
 
-void OriginListTest::open()
+bool OriginListTest::open()
 {
     m_window.reset(new OriginList(*m_desk, TrayTextsOf(0).list));
     m_window->show();
     m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get(), patienceMs));
+    return QTest::qWaitForWindowActive(m_window.get(), patienceMs);
 }
 
 void OriginListTest::showsWhatWasAnswered()
@@ -122,7 +122,7 @@ void OriginListTest::showsWhatWasAnswered()
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://first.example:8443")));
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://second.example")));
     QVERIFY(OriginAnswers::Block(QStringLiteral("null")));
-    open();
+    QVERIFY(open());
     QCOMPARE(rows(*m_window), (QStringList{QStringLiteral("Always allowed: https://first.example:8443"),
                                            QStringLiteral("Always allowed: https://second.example"),
                                            QStringLiteral("Never allowed: https://blocked.example"),
@@ -132,7 +132,7 @@ void OriginListTest::showsWhatWasAnswered()
 
 void OriginListTest::showsThatNothingWasAnswered()
 {
-    open();
+    QVERIFY(open());
     QCOMPARE(rows(*m_window), QStringList());
     QCOMPARE(note(*m_window), QStringLiteral("No web page has been allowed always or never."));
     for (const char *text : {"&Allow", "&Block", "&Delete"})
@@ -143,7 +143,7 @@ void OriginListTest::showsThatNothingWasAnswered()
 void OriginListTest::blockAndAllow()
 {
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://a.example")));
-    open();
+    QVERIFY(open());
     QVERIFY(!button(*m_window, "&Allow")->isEnabled());
     QTest::mouseClick(button(*m_window, "&Block"), Qt::LeftButton);
     QCOMPARE(m_changes->size(), 1);
@@ -162,7 +162,7 @@ void OriginListTest::forget()
 {
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://a.example")));
     QVERIFY(OriginAnswers::Block(QStringLiteral("https://b.example")));
-    open();
+    QVERIFY(open());
     choose(*m_window, 1);
     QTest::mouseClick(button(*m_window, "&Delete"), Qt::LeftButton);
     QCOMPARE(m_changes->size(), 1);
@@ -173,7 +173,7 @@ void OriginListTest::forget()
 void OriginListTest::sharedOriginIsNotAllowed()
 {
     QVERIFY(OriginAnswers::Block(QStringLiteral("null")));
-    open();
+    QVERIFY(open());
     QVERIFY(!button(*m_window, "&Allow")->isEnabled());
     QVERIFY(!button(*m_window, "&Block")->isEnabled());
     QVERIFY(button(*m_window, "&Delete")->isEnabled());
@@ -181,7 +181,7 @@ void OriginListTest::sharedOriginIsNotAllowed()
 
 void OriginListTest::followsOtherAnswers()
 {
-    open();
+    QVERIFY(open());
     Q_EMIT m_desk->answered(QStringLiteral("https://a.example"), OriginAnswer::AllowAlways);
     QCOMPARE(rows(*m_window), QStringList{QStringLiteral("Always allowed: https://a.example")});
     QCOMPARE(note(*m_window), QString());
@@ -191,7 +191,7 @@ void OriginListTest::followsOtherChanges()
 {
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://a.example")));
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://b.example")));
-    open();
+    QVERIFY(open());
     choose(*m_window, 1);
     QVERIFY(OriginAnswers::Forget(QStringLiteral("https://a.example")));
     Q_EMIT m_desk->answersChanged();
@@ -202,7 +202,7 @@ void OriginListTest::followsOtherChanges()
 void OriginListTest::fileThatIsNotUnderstood()
 {
     m_home.writeConfig(QLatin1String(fileName), "[Origins]\nAllowed=no origin\n");
-    open();
+    QVERIFY(open());
     QCOMPARE(rows(*m_window), QStringList());
     QCOMPARE(note(*m_window),
              QStringLiteral("The file %1 cannot be read or changed.").arg(m_home.configFile(QLatin1String(fileName))));
@@ -211,7 +211,7 @@ void OriginListTest::fileThatIsNotUnderstood()
 void OriginListTest::fileThatCannotBeWritten()
 {
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://a.example")));
-    open();
+    QVERIFY(open());
     m_home.writeConfig(QLatin1String(fileName), "[Origins]\nAllowed=no origin\n");
     QTest::mouseClick(button(*m_window, "&Block"), Qt::LeftButton);
     QCOMPARE(m_changes->size(), 0);
@@ -223,7 +223,7 @@ void OriginListTest::longOriginIsNotCut()
 {
     const QString origin = QStringLiteral("https://") + QString(240, QLatin1Char('w')) + QStringLiteral(".example.net");
     QVERIFY(OriginAnswers::Allow(origin));
-    open();
+    QVERIFY(open());
     QTreeWidget &list = *m_window->findChild<QTreeWidget *>();
     const int charsOfTheHost = 252;
     QVERIFY(list.columnWidth(1) > charsOfTheHost * list.fontMetrics().averageCharWidth());
@@ -235,7 +235,7 @@ void OriginListTest::keyboardAlone()
 {
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://a.example")));
     QVERIFY(OriginAnswers::Allow(QStringLiteral("https://b.example")));
-    open();
+    QVERIFY(open());
     QTest::keyClick(m_window->windowHandle(), Qt::Key_Down);
     QTest::keyClick(m_window->windowHandle(), Qt::Key_D, Qt::AltModifier);
     QTRY_COMPARE_WITH_TIMEOUT(rows(*m_window), QStringList{QStringLiteral("Always allowed: https://a.example")},
