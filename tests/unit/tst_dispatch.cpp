@@ -573,7 +573,7 @@ void DispatchTest::padIsReleasedAfterTheClients()
     bool closedBefore = false;
     bool listensStill = false;
     released.effect = [&, this] {
-        closedBefore = m_client->waitForDisconnect(2000);
+        closedBefore = m_client->waitForDisconnect();
         QTcpSocket later;
         later.connectToHost(QHostAddress(QHostAddress::LocalHost), m_service->port());
         listensStill = later.waitForConnected(patienceMs);

@@ -496,7 +496,7 @@ void WebSocketServiceTest::portInUseStopsCleanly()
     // The port is still the holder's, and its own connections work.
     QTcpSocket client;
     client.connectToHost(QHostAddress(QHostAddress::LocalHost), holder.serverPort());
-    QVERIFY(holder.waitForNewConnection(5000));
+    QVERIFY(holder.waitForNewConnection(patienceMs));
 }
 
 void WebSocketServiceTest::startsAgainOnTheSamePort()
@@ -525,7 +525,7 @@ void WebSocketServiceTest::stopWithClients()
     QElapsedTimer timer;
     timer.start();
     service.stop();
-    QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
     for (const auto &client : clients)
         QVERIFY(client->waitForDisconnect());
 }
