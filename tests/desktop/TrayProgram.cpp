@@ -1,5 +1,7 @@
 #include "tests/desktop/TrayProgram.h"
 
+#include "tests/unit/support/LogFiles.h"
+
 #include <QHostAddress>
 #include <QTcpSocket>
 #include <QTest>
@@ -30,6 +32,18 @@ TrayProgram::~TrayProgram()
         m_process.kill();
         m_process.waitForFinished(5000);
     }
+}
+
+void TrayProgram::switchLogOn()
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    environment.insert(QStringLiteral("MVSIGNPAD_LOG"), QStringLiteral("1"));
+    m_process.setProcessEnvironment(environment);
+}
+
+int TrayProgram::startsOfAService()
+{
+    return maskedLines(threadLog()).filter(QStringLiteral("[WebSocketThread::WebSocketThread()]:<N>-Enter")).size();
 }
 
 bool TrayProgram::start()

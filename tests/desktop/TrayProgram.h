@@ -12,6 +12,10 @@ public:
     /// Ends the program if a failed test left it running.
     ~TrayProgram();
 
+    /// Has it write its log from its next start on.
+    void switchLogOn();
+    /// How often a service was started according to the log: it tells that at once, a port opens a moment later.
+    static int startsOfAService();
     bool start();
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     bool waitForEnd(int timeoutMs = patienceMs);

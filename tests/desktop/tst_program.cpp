@@ -51,8 +51,6 @@ private Q_SLOTS:
 private:
     /// Has the program write its log from its next start on.
     void switchLogOn();
-    /// How often a service was started according to the log: it tells that at once, a port opens a moment later.
-    static int startsOfAService();
     bool start(const QStringList &settings);
     bool startWithService() { return start({QStringLiteral("StartWebService=true")}); }
     /// A copy of the program and what it needs in a directory with an awkward name; the program's path in it.
@@ -94,15 +92,8 @@ void ProgramTest::cleanupTestCase()
 
 void ProgramTest::switchLogOn()
 {
-    QProcessEnvironment environment = m_desktop->environment();
-    environment.insert(QStringLiteral("MVSIGNPAD_LOG"), QStringLiteral("1"));
-    m_program->process().setProcessEnvironment(environment);
+    m_program->switchLogOn();
     m_writesLog = true;
-}
-
-int ProgramTest::startsOfAService()
-{
-    return maskedLines(threadLog()).filter(QStringLiteral("[WebSocketThread::WebSocketThread()]:<N>-Enter")).size();
 }
 
 bool ProgramTest::start(const QStringList &settings)
@@ -126,7 +117,7 @@ void ProgramTest::firstRunStartsNoService()
     switchLogOn();
     QVERIFY(m_program->start());
     QVERIFY(m_desktop->waitForIcon());
-    QCOMPARE(startsOfAService(), 0);
+    QCOMPARE(TrayProgram::startsOfAService(), 0);
     QVERIFY(!QFile::exists(m_desktop->settingsFile()));
     QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
     QStringList lines;
@@ -234,10 +225,10 @@ void ProgramTest::startAndStopThroughTheMenu()
     switchLogOn();
     QVERIFY(start({}));
     for (int round = 0; round < 2; ++round) {
-        QCOMPARE(startsOfAService(), round);
+        QCOMPARE(TrayProgram::startsOfAService(), round);
         QVERIFY(m_desktop->chooseMenuEntry(startEntry));
         QVERIFY(TrayProgram::waitForListening(m_port));
-        QCOMPARE(startsOfAService(), round + 1);
+        QCOMPARE(TrayProgram::startsOfAService(), round + 1);
         QTRY_VERIFY_WITH_TIMEOUT(m_desktop->settingsLines().contains(QLatin1String("StartWebService=true")),
                                  patienceMs);
         SignClient client;
@@ -299,7 +290,7 @@ void ProgramTest::exitWithoutService()
     switchLogOn();
     QVERIFY(start({QStringLiteral("StartWebServiceWithSSL=true")}));
     QCOMPARE(m_program->exitThroughMenu(*m_desktop), QString());
-    QCOMPARE(startsOfAService(), 0);
+    QCOMPARE(TrayProgram::startsOfAService(), 0);
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebService=false")));
     QVERIFY(m_desktop->settingsLines().contains(QLatin1String("StartWebServiceWithSSL=true")));
 }

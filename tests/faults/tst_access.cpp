@@ -98,7 +98,7 @@ void AccessTest::addressIsBound()
     QFETCH(QByteArrayList, unreachable);
     QVERIFY(start({QStringLiteral("[Access]"), QStringLiteral("ListenAddress=") + address}));
     for (const QByteArray &where : reachable)
-        QTRY_VERIFY2(isReachable(m_place->port(), where), where);
+        QTRY_VERIFY2_WITH_TIMEOUT(isReachable(m_place->port(), where), where, patienceMs);
     for (const QByteArray &where : unreachable)
         QVERIFY2(!isReachable(m_place->port(), where), where);
     QVERIFY(m_place->exitsCleanly());
@@ -175,7 +175,7 @@ void AccessTest::wrongValueClosesTheDoor()
     QVERIFY(start(QStringList{QStringLiteral("[Access]")} + access));
     const QByteArray expected =
         "mvsignpadsdk_wssvr: the service stays closed: " + accessFile().toUtf8() + ": " + line + '\n';
-    QTRY_COMPARE(m_place->program().output(), expected);
+    QTRY_COMPARE_WITH_TIMEOUT(m_place->program().output(), expected, patienceMs);
     for (const char *where : {"127.0.0.1", "::1"})
         QVERIFY(!isReachable(m_place->port(), where));
     QVERIFY(m_place->desktop().chooseMenuEntry(2));
@@ -187,9 +187,11 @@ void AccessTest::wrongValueClosesTheDoor()
 void AccessTest::addressOfAnotherMachineClosesTheDoor()
 {
     QVERIFY(start({QStringLiteral("[Access]"), QStringLiteral("ListenAddress=192.0.2.1")}));
-    QTRY_COMPARE(m_place->program().output(),
-                 QByteArray("mvsignpadsdk_wssvr: the service stays closed: it cannot listen at the ListenAddress: "
-                            "The address is not available\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        m_place->program().output(),
+        QByteArray("mvsignpadsdk_wssvr: the service stays closed: it cannot listen at the ListenAddress: "
+                   "The address is not available\n"),
+        patienceMs);
     QVERIFY(!isReachable(m_place->port(), "127.0.0.1"));
 }
 
@@ -201,7 +203,8 @@ void AccessTest::fileStaysAsItIs()
     QVERIFY(start(lines));
     QVERIFY(TrayProgram::waitForListening(m_place->port()));
     QVERIFY(m_place->toggleService());
-    QTRY_VERIFY(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=false")),
+                             patienceMs);
     QVERIFY(m_place->exitsCleanly());
     QFile file(accessFile());
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -218,7 +221,7 @@ void AccessTest::formerGroupClosesTheDoor()
     // Also not when the settings have been saved in between.
     for (int round = 0; round < 2; ++round) {
         QVERIFY(m_place->start() && m_place->desktop().waitForIcon());
-        QTRY_COMPARE(m_place->program().output(), expected.repeated(round + 1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_place->program().output(), expected.repeated(round + 1), patienceMs);
         QVERIFY(!isReachable(m_place->port(), "127.0.0.1"));
         QVERIFY(m_place->desktop().chooseMenuEntry(2));
         QVERIFY(m_place->program().waitForEnd());

@@ -22,16 +22,6 @@ QByteArray frameHeader(quint32 size)
     return header + QByteArray(4, '\0');
 }
 
-/// Processor time of a process, in hundredths of a second.
-long processorTicks(pid_t pid)
-{
-    QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    const QList<QByteArray> fields = file.readAll().split(' ');
-    return fields.value(13).toLong() + fields.value(14).toLong();
-}
-
 } // namespace
 
 class ConnectionsTest : public QObject
@@ -48,6 +38,7 @@ private Q_SLOTS:
     void longHandshakeIsCutOff();
     void brokenFramesEndTheirConnectionOnly_data();
     void brokenFramesEndTheirConnectionOnly();
+    void frameWithoutAMaskIsAnswered();
     void hugeRequestsAreAnswered_data();
     void hugeRequestsAreAnswered();
     void messageBeyondAnyTextEndsItsConnection();
@@ -73,7 +64,7 @@ void ConnectionsTest::init()
 void ConnectionsTest::cleanup()
 {
     QVERIFY(m_place->serves());
-    QTRY_VERIFY2_WITH_TIMEOUT(m_place->openDescriptors() <= m_descriptors, "a connection is left over", 15000);
+    QTRY_VERIFY2_WITH_TIMEOUT(m_place->openDescriptors() <= m_descriptors, "a connection is left over", patienceMs);
     QVERIFY(m_place->exitsCleanly());
     m_place.reset();
 }
@@ -100,7 +91,7 @@ void ConnectionsTest::fiveHundredAreServedAtOnce()
     for (auto &client : clients)
         client->sendCommand(QStringLiteral("GetSize"));
     for (auto &client : clients) {
-        QVERIFY(client->waitForMessages(1, 30000));
+        QVERIFY(client->waitForMessages(1));
         QCOMPARE(client->messages(), QStringList{replyText("GetSize", QStringLiteral("0"))});
     }
     QVERIFY(m_place->openDescriptors() >= m_descriptors + 500);
@@ -108,7 +99,7 @@ void ConnectionsTest::fiveHundredAreServedAtOnce()
 
 void ConnectionsTest::twoThousandComeAndGo()
 {
-    long before = 0;
+    std::optional<long> before;
     for (int i = 0; i < 2000; ++i) {
         RawClient client;
         QVERIFY(client.connectTo(m_place->port()));
@@ -121,7 +112,7 @@ void ConnectionsTest::twoThousandComeAndGo()
             before = m_place->residentKiB(); // what is allocated once has been by now
     }
     QVERIFY(m_place->serves());
-    QVERIFY2(m_place->residentKiB() < before + 4 * 1024, "each connection leaves memory behind");
+    QVERIFY2(m_place->hasGrownByLessThan(4 * 1024, before), "each connection leaves memory behind");
 }
 
 void ConnectionsTest::halfOpenHandshakesDisturbNobody()
@@ -136,49 +127,63 @@ void ConnectionsTest::halfOpenHandshakesDisturbNobody()
     }
     for (int request = 0; request < 20; ++request)
         QVERIFY(m_place->serves());
-#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
-    // Qt itself gives a handshake ten seconds.
     for (auto &client : clients)
-        QVERIFY(client->waitForEnd(20000));
-#endif
+        QVERIFY(client->waitForEnd(patienceMs));
 }
 
 void ConnectionsTest::longHandshakeIsCutOff()
 {
+    const std::optional<long> before = m_place->residentKiB();
     RawClient client;
     QVERIFY(client.connectTo(m_place->port()));
     client.send("GET / HTTP/1.1\r\n");
-    for (int i = 0; i < 2000; ++i)
-        client.send("X-Header: " + QByteArray(8000, 'x') + "\r\n");
+    client.send(("X-Header: " + QByteArray(8000, 'x') + "\r\n").repeated(2000)); // 16 MB
+    QTRY_COMPARE_WITH_TIMEOUT(client.socket().bytesToWrite(), qint64(0), patienceMs);
     QVERIFY(m_place->serves());
-    QVERIFY2(m_place->residentKiB() < 400 * 1024, "the service hoards an endless handshake");
-#if QT_VERSION >= QT_VERSION_CHECK(5, 14, 0)
-    QVERIFY(client.waitForEnd(20000));
-#endif
+    QVERIFY2(m_place->hasGrownByLessThan(8 * 1024, before), "the service hoards an endless handshake");
+    QVERIFY(client.waitForEnd(patienceMs));
 }
 
 void ConnectionsTest::brokenFramesEndTheirConnectionOnly_data()
 {
     QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("reserved bits") << QByteArray("\xF1\x80\0\0\0\0", 6);
-    QTest::newRow("unknown kind") << QByteArray("\x83\x80\0\0\0\0", 6);
-    QTest::newRow("not masked") << QByteArray("\x81\x01x", 3);
-    QTest::newRow("continues nothing") << QByteArray("\x80\x80\0\0\0\0", 6);
-    QTest::newRow("largest size") << QByteArray("\x81\xFF\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14);
-    QTest::newRow("negative size") << QByteArray("\x81\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14);
-    QTest::newRow("control frame of 126 bytes") << QByteArray("\x89\xFE\0\x7E\0\0\0\0", 8) + QByteArray(126, 'x');
-    QTest::newRow("not UTF-8") << QByteArray("\x81\x82\0\0\0\0\xC0\x80", 8);
+    QTest::addColumn<QByteArray>("code");
+    const QByteArray protocolError("\x03\xEA", 2); // 1002
+    const QByteArray notUtf8("\x03\xEF", 2);       // 1007
+    const QByteArray tooLarge("\x03\xF1", 2);      // 1009
+    QTest::newRow("reserved bits") << QByteArray("\xF1\x80\0\0\0\0", 6) << protocolError;
+    QTest::newRow("unknown kind") << QByteArray("\x83\x80\0\0\0\0", 6) << protocolError;
+    QTest::newRow("continues nothing") << QByteArray("\x80\x80\0\0\0\0", 6) << protocolError;
+    QTest::newRow("largest size") << QByteArray("\x81\xFF\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14) << tooLarge;
+    QTest::newRow("negative size") << QByteArray("\x81\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14)
+                                   << protocolError;
+    QTest::newRow("control frame of 126 bytes")
+        << QByteArray("\x89\xFE\0\x7E\0\0\0\0", 8) + QByteArray(126, 'x') << protocolError;
+    QTest::newRow("not UTF-8") << QByteArray("\x81\x82\0\0\0\0\xC0\x80", 8) << notUtf8;
 }
 
 void ConnectionsTest::brokenFramesEndTheirConnectionOnly()
 {
     QFETCH(QByteArray, frame);
+    QFETCH(QByteArray, code);
     RawClient client;
     QVERIFY(client.connectTo(m_place->port()));
     QCOMPARE(client.handshake(), QByteArray(accepted));
     client.send(frame);
     QVERIFY(m_place->serves());
-    client.abort();
+    const QByteArray close = client.receive(4);
+    QCOMPARE(close.left(1) + close.mid(2), "\x88" + code);
+    QVERIFY(client.waitForEnd(patienceMs));
+}
+
+/// A client must mask its frames; Qt does not insist on it.
+void ConnectionsTest::frameWithoutAMaskIsAnswered()
+{
+    RawClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.handshake(), QByteArray(accepted));
+    client.send(QByteArray("\x81\x01x", 3));
+    QVERIFY(client.receives(serverFrame(R"({"API":"Invalid API request","Result":"-1"})")));
 }
 
 void ConnectionsTest::hugeRequestsAreAnswered_data()
@@ -198,12 +203,14 @@ void ConnectionsTest::hugeRequestsAreAnswered()
     QFETCH(QString, request);
     SignClient client;
     QVERIFY(client.connectTo(m_place->port()));
-    QCOMPARE(client.command(request, 20000), replyText("Invalid API request", QStringLiteral("-1")));
+    QCOMPARE(client.command(request), replyText("Invalid API request", QStringLiteral("-1")));
 }
 
 void ConnectionsTest::messageBeyondAnyTextEndsItsConnection()
 {
-#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
+#if QT_VERSION < QT_VERSION_CHECK(5, 15, 0)
+    QSKIP("Qt limits the size of messages from 5.15 on");
+#endif
     RawClient client;
     QVERIFY(client.connectTo(m_place->port()));
     QCOMPARE(client.handshake(), QByteArray(accepted));
@@ -212,7 +219,6 @@ void ConnectionsTest::messageBeyondAnyTextEndsItsConnection()
     const QByteArray close = client.receive(4);
     QCOMPARE(close.left(1) + close.mid(2), QByteArray("\x88\x03\xf1", 3)); // 1009: too large
     QVERIFY(client.waitForEnd(patienceMs));
-#endif
 }
 
 /// The program may have as many descriptors as the system lets it; when these are used up, clients wait.
@@ -241,12 +247,14 @@ void ConnectionsTest::descriptorsRunOut()
     const QDir settings = QFileInfo(m_place->desktop().settingsFile()).dir();
     QVERIFY(settings.exists(QStringLiteral("MVeSign_WPS.conf")));
     QVERIFY(m_place->openDescriptors() < 190);
-    const long before = processorTicks(pid);
+    const std::optional<long> before = m_place->processorTicks();
     for (int i = 0; i < 20; ++i) {
         QVERIFY(served.command(QStringLiteral("GetSize")) == replyText("GetSize", QStringLiteral("0")));
         QTest::qWait(50);
     }
-    QVERIFY2(processorTicks(pid) < before + 30, "who waits keeps the service busy");
+    const std::optional<long> after = m_place->processorTicks();
+    QVERIFY(before && after);
+    QVERIFY2(*after < *before + 30, "who waits keeps the service busy");
 
     for (std::size_t i = 0; i < 100; ++i) // each that leaves lets one in
         crowd[i].abort();

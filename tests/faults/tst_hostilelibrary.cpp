@@ -1,5 +1,6 @@
 // A pad library that answers as no sound library does, under the real program.
 #include "tests/faults/support/FaultyWorkplace.h"
+#include "tests/unit/support/LogFiles.h"
 #include "tests/unit/support/RawClient.h"
 
 #include <QTest>
@@ -188,7 +189,7 @@ void HostileLibraryTest::hugeTextsTravel()
     SignClient client;
     QVERIFY(client.connectTo(m_place->port()));
     client.command(initialise(2));
-    const long before = m_place->residentKiB();
+    const std::optional<long> before = m_place->residentKiB();
     for (const char *command : {"Encode?type=3", "GetSVGImageBase64Data", "GetInks"}) {
         const QString reply = client.command(QString::fromLatin1(command), heavyAnswerMs);
         QVERIFY2(reply.count(QLatin1Char('A')) >= 100000000, command);
@@ -197,7 +198,8 @@ void HostileLibraryTest::hugeTextsTravel()
     QCOMPARE(client.command(QStringLiteral("GetOpaqueInks"), heavyAnswerMs), replyText("GetOpaqueInks", QString()));
     client.forget();
     client.command(QStringLiteral("UninitialDevice"));
-    QTRY_VERIFY2(m_place->residentKiB() < before + 100 * 1024, "the memory of the texts is not given back");
+    QTRY_VERIFY2_WITH_TIMEOUT(m_place->hasGrownByLessThan(100 * 1024, before),
+                              "the memory of the texts is not given back", patienceMs);
 }
 
 void HostileLibraryTest::blockedPadLetsTheOthersWait()
@@ -222,6 +224,9 @@ void HostileLibraryTest::blockedPadLetsTheOthersWait()
     RawClient late;
     QVERIFY(late.connectTo(m_place->port())); // to the system, which keeps it for the service
     late.startHandshake();
+    // All that was sent lies unread before the program, and nothing in the program is about to read it.
+    QTRY_VERIFY_WITH_TIMEOUT(m_place->unreadConnections() == 4 && m_place->isAtRest(), patienceMs);
+    QCOMPARE(m_place->unreadConnections(), 4);
     QCOMPARE(order, QStringList());
     QCOMPARE(blocker.messages().size(), 1);
     QVERIFY(m_place->unblock(QStringLiteral("Clear")));
@@ -237,19 +242,30 @@ void HostileLibraryTest::blockedPadLetsTheOthersWait()
 
 void HostileLibraryTest::blockedPadLetsTheMenuWait()
 {
+    QVERIFY(m_place->exitsCleanly());
+    m_place->program().switchLogOn();
+    QVERIFY(m_place->startServing());
+    const QString asksForTheEnd =
+        logLine("SysTrayMenuMgr::OpenWebSocketService()", "b4 call m_pWebSocketThread->quit()...");
+    const QString hasSeenTheEnd =
+        logLine("SysTrayMenuMgr::OpenWebSocketService()", "after call m_pWebSocketThread = nullptr...");
     QVERIFY(m_place->answer("block Clear\n"));
     SignClient client;
     QVERIFY(client.connectTo(m_place->port()));
     client.command(initialise(2));
     client.sendCommand(QStringLiteral("Clear"));
     QVERIFY(m_place->waitUntilBlocked(QStringLiteral("Clear")));
+    QVERIFY(m_place->desktop().waitForIcon());
     QVERIFY(m_place->toggleService());
-    QVERIFY(m_place->program().isRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(maskedLines(mainLog()).contains(asksForTheEnd) && m_place->isAtRest(), patienceMs);
+    QVERIFY(!maskedLines(mainLog()).contains(hasSeenTheEnd));
     QVERIFY(client.isConnected());
     QVERIFY(m_place->unblock(QStringLiteral("Clear")));
     QVERIFY(client.waitForDisconnect());
+    QTRY_VERIFY_WITH_TIMEOUT(maskedLines(mainLog()).contains(hasSeenTheEnd), patienceMs);
     QVERIFY(TrayProgram::waitForSilence(m_place->port()));
-    QTRY_VERIFY(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=false")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=false")),
+                             patienceMs);
     QVERIFY(m_place->toggleService());
     QVERIFY(TrayProgram::waitForListening(m_place->port()));
     QVERIFY(m_place->serves());

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <algorithm>
+
 FaultyWorkplace::FaultyWorkplace(const QString &library) : m_port(freePort())
 {
     const QString program = QStringLiteral(MVSIGNPAD_PROGRAM);
@@ -78,10 +80,10 @@ long FaultyWorkplace::openDescriptors() const
     return descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
 }
 
-int FaultyWorkplace::openConnections() const
+QList<QList<QByteArray>> FaultyWorkplace::connections() const
 {
     const QByteArray localPort = ':' + QByteArray::number(m_port, 16).toUpper().rightJustified(4, '0');
-    int count = 0;
+    QList<QList<QByteArray>> found;
     for (const char *table : {"/proc/%1/net/tcp", "/proc/%1/net/tcp6"}) {
         QFile file(QString::fromLatin1(table).arg(m_program->process().processId()));
         if (!file.open(QIODevice::ReadOnly))
@@ -90,19 +92,68 @@ int FaultyWorkplace::openConnections() const
         for (const QByteArray &line : lines) {
             const QList<QByteArray> fields = line.simplified().split(' ');
             const bool isOpen = fields.value(3) == "01" || fields.value(3) == "08"; // established, or half closed
-            count += static_cast<int>(isOpen && fields.value(1).endsWith(localPort));
+            if (isOpen && fields.value(1).endsWith(localPort))
+                found.append(fields);
         }
     }
-    return count;
+    return found;
 }
 
-long FaultyWorkplace::residentKiB() const
+int FaultyWorkplace::openConnections() const
+{
+    return connections().size();
+}
+
+int FaultyWorkplace::unreadConnections() const
+{
+    const QList<QList<QByteArray>> all = connections();
+    return static_cast<int>(std::count_if(all.begin(), all.end(), [](const QList<QByteArray> &fields) {
+        return !fields.value(4).endsWith(":00000000"); // the queues' lengths, of sending and of receiving
+    }));
+}
+
+QList<QByteArray> FaultyWorkplace::statusFields(const QString &file)
+{
+    QFile status(file);
+    if (!status.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray line = status.readAll();
+    return line.mid(line.lastIndexOf(')') + 2).split(' ');
+}
+
+bool FaultyWorkplace::isAtRest() const
+{
+    const QDir threads(QStringLiteral("/proc/%1/task").arg(m_program->process().processId()));
+    const QStringList names = threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    return !names.isEmpty() && std::all_of(names.begin(), names.end(), [&threads](const QString &name) {
+        return statusFields(threads.filePath(name + QStringLiteral("/stat"))).value(0) == "S";
+    });
+}
+
+std::optional<long> FaultyWorkplace::residentKiB() const
+{
+    QFile status(QStringLiteral("/proc/%1/statm").arg(m_program->process().processId()));
+    const long pages = status.open(QIODevice::ReadOnly) ? status.readAll().split(' ').value(1).toLong() : 0;
+    return pages > 0 ? std::make_optional(pages * 4) : std::nullopt;
+}
+
+bool FaultyWorkplace::hasGrownByLessThan(long kiB, std::optional<long> before) const
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return -1;
+    return true;
 #endif
-    QFile status(QStringLiteral("/proc/%1/statm").arg(m_program->process().processId()));
-    return status.open(QIODevice::ReadOnly) ? status.readAll().split(' ').value(1).toLong() * 4 : 0;
+    const std::optional<long> now = residentKiB();
+    return before && now && *now < *before + kiB;
+}
+
+std::optional<long> FaultyWorkplace::processorTicks() const
+{
+    const QList<QByteArray> fields =
+        statusFields(QStringLiteral("/proc/%1/stat").arg(m_program->process().processId()));
+    bool hasUser = false;
+    bool hasSystem = false;
+    const long ticks = fields.value(11).toLong(&hasUser) + fields.value(12).toLong(&hasSystem);
+    return hasUser && hasSystem ? std::make_optional(ticks) : std::nullopt;
 }
 
 QString replyText(const char *command, const QString &result)

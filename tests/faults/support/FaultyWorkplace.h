@@ -4,6 +4,8 @@
 #include "tests/desktop/TrayProgram.h"
 #include "tests/unit/support/SignClient.h"
 
+#include <optional>
+
 /// A copy of the real program in a folder of its own, with the library beside it that a test wants there, on a desktop
 /// of its own with a tray.
 class FaultyWorkplace
@@ -40,10 +42,23 @@ public:
     long openDescriptors() const;
     /// Connections of clients that the program holds.
     int openConnections() const;
-    /// -1 under a sanitizer, which keeps the memory that is given back.
-    long residentKiB() const;
+    /// Connections, also such as the system still keeps for the program, with bytes that it has not read.
+    int unreadConnections() const;
+    /// Whether none of the program's threads runs or wants to: it does nothing more until something happens.
+    bool isAtRest() const;
+    /// None when it cannot be told.
+    std::optional<long> residentKiB() const;
+    /// Whether the memory has grown by less than that since residentKiB() told what it was. False when it cannot be
+    /// told; always true under a sanitizer, which keeps the memory that is given back.
+    bool hasGrownByLessThan(long kiB, std::optional<long> before) const;
+    /// Processor time of the program, in hundredths of a second. None when it cannot be told.
+    std::optional<long> processorTicks() const;
 
 private:
+    /// The lines of the system's table of TCP connections that have the service's port on their own side, as fields.
+    QList<QList<QByteArray>> connections() const;
+    /// The fields of a /proc file's one line, from the process's state on, which its name precedes.
+    static QList<QByteArray> statusFields(const QString &file);
     QString blocks(const QString &function) const { return file(function + QStringLiteral("-blocks")); }
 
     DesktopSession m_desktop;

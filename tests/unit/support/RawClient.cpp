@@ -34,7 +34,7 @@ QByteArray serverFrame(const QByteArray &message, char kind)
 bool RawClient::connectTo(quint16 port, const QHostAddress &address)
 {
     m_socket.connectToHost(address, port);
-    return m_socket.waitForConnected(5000);
+    return m_socket.waitForConnected(patienceMs);
 }
 
 void RawClient::startHandshake(const QByteArray &headers)
