@@ -96,7 +96,8 @@ private:
     /// Draws one stroke on an empty pad, each point when the pad has the one before.
     bool draw(const QList<QPoint> &way);
     void pressConfirm() const;
-    void closePadWindow() const;
+    /// Closes it as a person would: who sees that a click was lost clicks again.
+    bool closePadWindow() const;
     bool stopAndStartService(BusyHand *pHand);
 
     std::unique_ptr<DesktopSession> m_desktop;
@@ -106,6 +107,9 @@ private:
 };
 
 namespace {
+
+/// How long a click on the close button has until it is taken for lost.
+const int clickPatienceMs = 10000;
 
 /// Where the confirm key is, seen from the middle of the screen's lower edge.
 const QPoint confirmKey(76, 40);
@@ -159,9 +163,13 @@ bool PadWindowTest::start(const QString &inkFile)
            && m_program->start() && TrayProgram::waitForListening(m_port) && m_client->connectTo(m_port);
 }
 
+/// Takes no late reply, which belongs to another command, for this one's.
 QString PadWindowTest::ask(const QString &command)
 {
-    return resultOf(m_client->command(command));
+    const QString reply = m_client->command(command);
+    const QString api = QStringLiteral("{\"API\":\"%1\",").arg(command.section(QLatin1Char('?'), 0, 0));
+    [&] { QVERIFY2(reply.startsWith(api), qPrintable(command + QStringLiteral(" got: ") + reply)); }();
+    return resultOf(reply);
 }
 
 QByteArray PadWindowTest::xdotool(const QStringList &arguments) const
@@ -169,7 +177,7 @@ QByteArray PadWindowTest::xdotool(const QStringList &arguments) const
     QProcess process;
     process.setProcessEnvironment(m_desktop->environment());
     process.start(QStringLiteral("xdotool"), arguments);
-    process.waitForFinished(10000);
+    [&process] { QVERIFY2(process.waitForFinished(patienceMs), "xdotool does not end"); }();
     return process.readAllStandardOutput();
 }
 
@@ -230,9 +238,17 @@ void PadWindowTest::pressConfirm() const
     m_desktop->click(QPoint(screen.center().x(), screen.bottom()) + confirmKey);
 }
 
-void PadWindowTest::closePadWindow() const
+bool PadWindowTest::closePadWindow() const
 {
-    m_desktop->click(padScreen().topRight() + closeButton);
+    const auto isGone = [this] { return padWindow() == 0; };
+    for (int attempt = 0; attempt < patienceMs / clickPatienceMs; ++attempt) {
+        const QRect screen = padScreen();
+        if (!screen.isEmpty())
+            m_desktop->click(screen.topRight() + closeButton);
+        if (QTest::qWaitFor(isGone, clickPatienceMs))
+            return true;
+    }
+    return false;
 }
 
 void PadWindowTest::pointerSigns()
@@ -294,9 +310,8 @@ void PadWindowTest::closingUnplugsThePad()
     QCOMPARE(initialise(2), QStringLiteral("1"));
     QVERIFY(waitForPad());
     QVERIFY(draw(wave().mid(0, 3)));
-    closePadWindow();
+    QVERIFY(closePadWindow());
     QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("IsValid")), QStringLiteral("0"), patienceMs);
-    QTRY_COMPARE_WITH_TIMEOUT(padWindow(), qint64(0), patienceMs);
     QCOMPARE(ask(QStringLiteral("GetSize")), QStringLiteral("0"));
     QCOMPARE(ask(QStringLiteral("GetPointer")), QStringLiteral("[]"));
     QVERIFY(m_program->isRunning());
@@ -324,7 +339,7 @@ bool PadWindowTest::stopAndStartService(BusyHand *pHand)
            && TrayProgram::waitForListening(m_port) && m_client->connectTo(m_port);
 }
 
-/// Takes five seconds, or MVSIGNPAD_STRESS_SECONDS, and longer until a pad was written on and a window closed. Each
+/// Takes five seconds, or MVSIGNPAD_STRESS_SECONDS, and longer until a pad was written on. Each
 /// round opens the five models one upon the other and ends each in another way.
 void PadWindowTest::everythingHappensWhileTheHandWrites()
 {
@@ -340,12 +355,10 @@ void PadWindowTest::everythingHappensWhileTheHandWrites()
     QTRY_VERIFY_WITH_TIMEOUT(!padScreen().isEmpty(), patienceMs);
     BusyHand hand(m_desktop->environment(), padScreen().topLeft());
     int rounds = 0;
-    int closed = 0;
     int points = 0;
     QElapsedTimer timer;
     timer.start();
-    const auto isDone = [&] { return points > 0 && closed > 0; };
-    for (; timer.elapsed() < seconds * 1000 || (!isDone() && timer.elapsed() < patienceMs); ++rounds) {
+    for (; timer.elapsed() < seconds * 1000 || (points == 0 && timer.elapsed() < patienceMs); ++rounds) {
         std::shuffle(models.begin(), models.end(), random);
         std::shuffle(endings.begin(), endings.end(), random);
         for (size_t i = 0; i < models.size(); ++i) {
@@ -359,7 +372,14 @@ void PadWindowTest::everythingHappensWhileTheHandWrites()
             case Closed:
                 xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
                 QTest::qWait(int(random() % 100));
-                closed += ask(QStringLiteral("IsValid")) == QLatin1String("0") ? 1 : 0;
+                if (ask(QStringLiteral("IsValid")) == QLatin1String("0"))
+                    break;
+                // The keys came too early or to no window: the button is pressed once there is one.
+                hand.rest();
+                QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0 || ask(QStringLiteral("IsValid")) == QLatin1String("0"),
+                                         patienceMs);
+                QVERIFY(closePadWindow());
+                QTRY_COMPARE_WITH_TIMEOUT(ask(QStringLiteral("IsValid")), QStringLiteral("0"), patienceMs);
                 break;
             case Unloaded:
                 QCOMPARE(ask(QStringLiteral("UninitialDevice")), QStringLiteral("1"));
@@ -371,9 +391,8 @@ void PadWindowTest::everythingHappensWhileTheHandWrites()
         }
     }
     hand.rest();
-    qInfo("%d rounds, %d windows closed, %d points", rounds, closed, points);
+    qInfo("%d rounds, %d points", rounds, points);
     QVERIFY(points > 0);
-    QVERIFY(closed > 0);
     // Its last act, with the window open.
     QCOMPARE(initialise(2), QStringLiteral("1"));
     QTRY_VERIFY_WITH_TIMEOUT(padWindow() != 0, patienceMs);
