@@ -19,6 +19,7 @@ private Q_SLOTS:
     void cleanup();
     void everyReplyArrives_data();
     void everyReplyArrives();
+    void everyEchoArrives();
     void halfClosedClientGetsEveryReply();
     void othersAreServedMeanwhile();
     void clientThatTakesNothingIsCutOff_data();
@@ -87,6 +88,20 @@ void UnreadRepliesTest::everyReplyArrives()
     const QByteArray reply = serverFrame(R"({"API":"Encode","Result":")" + QByteArray(size, 'A') + R"("})");
     for (int i = 0; i < count; ++i)
         QVERIFY2(client.receives(reply), qPrintable(QStringLiteral("reply %1 is missing").arg(i)));
+    QVERIFY(client.receives(serverFrame(R"({"API":"GetSize","Result":"0"})")));
+}
+
+void UnreadRepliesTest::everyEchoArrives()
+{
+    RawClient client;
+    QVERIFY(open(client));
+    QByteArray sent;
+    for (int i = 0; i < 300; ++i)
+        sent += clientFrame(QByteArray(1000000, char(i)), '\x82');
+    client.send(sent + request("GetSize"));
+    for (int i = 0; i < 300; ++i)
+        QVERIFY2(client.receives(serverFrame(QByteArray(1000000, char(i)), '\x82')),
+                 qPrintable(QStringLiteral("echo %1 is missing").arg(i)));
     QVERIFY(client.receives(serverFrame(R"({"API":"GetSize","Result":"0"})")));
 }
 

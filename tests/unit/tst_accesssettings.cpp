@@ -17,6 +17,8 @@ private Q_SLOTS:
     void machineWideFileCounts();
     void wrongValueClosesTheDoor_data();
     void wrongValueClosesTheDoor();
+    void reasonIsSaid_data();
+    void reasonIsSaid();
     void wrongFileOfTheMachineClosesTheDoor();
     void fileThatCannotBeReadClosesTheDoor();
     void answersOfTheUserAreRead();
@@ -142,6 +144,34 @@ void AccessSettingsTest::wrongValueClosesTheDoor()
     QVERIFY(!policyOf("; who is served\n\n[Access]\n" + line + '\n').bServesAnybody);
 }
 
+void AccessSettingsTest::reasonIsSaid_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char *lines, const char *reason) {
+        QTest::newRow(lines) << QByteArray(lines) << QString::fromLatin1(reason);
+    };
+    row("ListenAddress=x", "ListenAddress is not one IP address in full");
+    row("AllowedOrigins=x", "AllowedOrigins is not a list of origins such as https://sign.example.org");
+    row("RequireOrigin=x", "RequireOrigin is not true or false");
+    row("UnknownOrigins=x", "UnknownOrigins is not allow, block or ask");
+    row("SaveFolders=x", "SaveFolders is not a list of folders such as /tmp");
+    row("AllowedOrigin=https://a.example", "a key is not known, or not in the group Access");
+    row("RequireOrigin", "a line is no setting");
+    row("RequireOrigin=@Variant(\\0\\0\\0\\x2)", "it cannot be read");
+}
+
+void AccessSettingsTest::reasonIsSaid()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(QString, reason);
+    const PrivateHome home;
+    useSettingsOf(home);
+    home.writeConfig(QStringLiteral("MVSignPadSDK_Access"), "[Access]\n" + lines + '\n');
+    const QString file = home.configFile(QStringLiteral("MVSignPadSDK_Access"));
+    QCOMPARE(LoadAccessPolicy().strClosedReason, file + QStringLiteral(": ") + reason);
+}
+
 void AccessSettingsTest::wrongFileOfTheMachineClosesTheDoor()
 {
     const PrivateHome home;
@@ -195,6 +225,9 @@ void AccessSettingsTest::formerGroupClosesTheDoor()
     const PrivateHome usersHome;
     useSettingsOf(usersHome);
     usersHome.writeConfig(QStringLiteral("MVSignPadSDK_WSSvr"), content);
+    const QString reason = usersHome.configFile(QStringLiteral("MVSignPadSDK_WSSvr"))
+                           + QStringLiteral(": the group Access belongs into MVSignPadSDK_Access.conf");
+    QCOMPARE(LoadAccessPolicy().strClosedReason, isClosed ? reason : QString());
     QCOMPARE(!LoadAccessPolicy().bServesAnybody, isClosed);
 
     const PrivateHome home;

@@ -1,11 +1,11 @@
 // Whether the session bus answers, tried on a real bus and on sockets that only look like one.
 #include "base/SessionBusProbe.h"
 #include "tests/unit/support/Patience.h"
+#include "tests/unit/support/PrivateBus.h"
 
 #include <QElapsedTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -48,20 +48,15 @@ void SessionBusProbeTest::realBus_data()
 void SessionBusProbeTest::realBus()
 {
     QFETCH(QString, listen);
-    QProcess daemon;
-    daemon.start(QStringLiteral("dbus-daemon"),
-                 {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
-                  QStringLiteral("--address=") + listen});
-    QVERIFY(QTest::qWaitFor([&daemon] { return daemon.canReadLine(); }, patienceMs));
-    const QByteArray address = daemon.readLine().trimmed(); // with the bus's identifier behind it
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "tcp:host=192.0.2.1,port=1;" + address);
+    const PrivateBus daemon(listen);
+    QVERIFY(!daemon.address().isEmpty());
+    const QString addresses = QStringLiteral("tcp:host=192.0.2.1,port=1;") + daemon.address();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", addresses.toUtf8());
     SessionBusProbe probe;
     QSignalSpy spy(&probe, &SessionBusProbe::answered);
     QVERIFY(probe.Start());
     QVERIFY(spy.wait(patienceMs));
-    QCOMPARE(spy.at(0).at(0).toString(), QStringLiteral("tcp:host=192.0.2.1,port=1;") + QString::fromUtf8(address));
-    daemon.terminate();
-    QVERIFY(daemon.waitForFinished(patienceMs));
+    QCOMPARE(spy.at(0).at(0).toString(), addresses);
 }
 
 void SessionBusProbeTest::noBus_data()

@@ -1,11 +1,9 @@
 // Whether a StatusNotifier host is registered, asked of a real bus and of watchers of the test's own.
-#include "tests/unit/support/Patience.h"
+#include "tests/unit/support/PrivateBus.h"
 #include "tray/StatusNotifierHost.h"
 
 #include <QDBusConnection>
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <atomic>
@@ -54,7 +52,6 @@ class StatusNotifierHostTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void cleanupTestCase();
     void nobodyHoldsTheName();
     void watcherAnswers_data();
     void watcherAnswers();
@@ -64,25 +61,14 @@ private Q_SLOTS:
 private:
     QDBusConnection holder() const { return QDBusConnection(QStringLiteral("holder")); }
 
-    QTemporaryDir m_folder;
-    QProcess m_bus;
+    PrivateBus m_bus;
 };
 
 void StatusNotifierHostTest::initTestCase()
 {
-    m_bus.start(QStringLiteral("dbus-daemon"),
-                {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
-                 QStringLiteral("--address=unix:path=") + m_folder.filePath(QStringLiteral("bus"))});
-    QVERIFY(QTest::qWaitFor([this] { return m_bus.canReadLine(); }, patienceMs));
-    const QByteArray address = m_bus.readLine().trimmed();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    QVERIFY(QDBusConnection::connectToBus(QString::fromUtf8(address), QStringLiteral("holder")).isConnected());
-}
-
-void StatusNotifierHostTest::cleanupTestCase()
-{
-    m_bus.kill();
-    QVERIFY(m_bus.waitForFinished(patienceMs));
+    QVERIFY(!m_bus.address().isEmpty());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
+    QVERIFY(QDBusConnection::connectToBus(m_bus.address(), QStringLiteral("holder")).isConnected());
 }
 
 void StatusNotifierHostTest::nobodyHoldsTheName()

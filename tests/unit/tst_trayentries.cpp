@@ -85,6 +85,7 @@ private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup();
+    void desktopIsKnownByItsProduct();
     void iconAndMenu_data();
     void iconAndMenu();
     void startsTheServiceThatRanLastTime();
@@ -174,6 +175,15 @@ QStringList TrayEntriesTest::linesOf(const char *tag, std::initializer_list<cons
     for (const char *message : messages)
         lines << logLine(tag, message);
     return lines;
+}
+
+void TrayEntriesTest::desktopIsKnownByItsProduct()
+{
+    m_manager.reset();
+    newLines();
+    tray.productType = "neokylin";
+    m_manager.reset(new SysTrayMenuMgr);
+    QCOMPARE(newLines(), linesOf(manager, {"Enter, OSProductType=neokylin", "m_nOSProductID=3", "Leave !"}));
 }
 
 void TrayEntriesTest::iconAndMenu_data()
