@@ -20,8 +20,8 @@ class Guest : public QObject
 
 RunningService::RunningService() : RunningService(freePort()) {}
 
-RunningService::RunningService(quint16 port, AccessPolicy accessPolicy, OriginDesk *desk)
-    : m_port(port), m_accessPolicy(std::move(accessPolicy)), m_desk(desk)
+RunningService::RunningService(quint16 port, AccessPolicy accessPolicy, OriginDesk *desk, ServiceStatusSource *source)
+    : m_port(port), m_accessPolicy(std::move(accessPolicy)), m_desk(desk), m_source(source)
 {
     start();
 }
@@ -58,7 +58,7 @@ bool RunningService::waitUntilItsEventsAreHandled() const
 
 void RunningService::start()
 {
-    m_thread.reset(new WebSocketThread(nullptr, m_port, m_accessPolicy, nullptr, m_desk));
+    m_thread.reset(new WebSocketThread(nullptr, m_port, m_accessPolicy, m_source, m_desk));
     m_thread->start();
 }
 

@@ -10,8 +10,9 @@ class RunningService
 {
 public:
     RunningService();
-    /// The desk, if any, outlives this.
-    explicit RunningService(quint16 port, AccessPolicy accessPolicy = {}, OriginDesk *desk = nullptr);
+    /// The desk and the source, if any, outlive this.
+    explicit RunningService(quint16 port, AccessPolicy accessPolicy = {}, OriginDesk *desk = nullptr,
+                            ServiceStatusSource *source = nullptr);
     ~RunningService();
 
     quint16 port() const { return m_port; }
@@ -29,5 +30,6 @@ private:
     quint16 m_port;
     AccessPolicy m_accessPolicy;
     OriginDesk *m_desk;
+    ServiceStatusSource *m_source;
     std::unique_ptr<WebSocketThread> m_thread;
 };
