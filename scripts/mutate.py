@@ -35,9 +35,10 @@ FIRST = {
                 "tst_fingerprint"]],
     "service": [["tst_dispatch", "tst_servicelog", "tst_origingate", "tst_originanswers"],
                 ["tst_requests", "tst_websocketservice", "tst_push", "tst_wpssettings", "tst_accesssettings",
-                 "tst_askorigin", "tst_origintext", "tst_clientsocket", "tst_clientconnections", "tst_urlparameters"]],
+                 "tst_askorigin", "tst_servicestatus", "tst_origintext", "tst_clientsocket", "tst_clientconnections", "tst_urlparameters"]],
     "tray": [["tst_trayentries", "tst_traysettings", "tst_traymanager", "tst_detectsingleinstance", "tst_startover",
-              "tst_statusnotifierhost", "tst_originquestion", "tst_originlist", "tst_main"]],
+              "tst_statusnotifierhost", "tst_statusonbus", "tst_originwindows", "tst_originquestion", "tst_originlist",
+              "tst_main"]],
 }
 TEST_SECONDS = 300
 TEST_BYTES = 6 << 30  # of addresses; a change may ask for memory without end
