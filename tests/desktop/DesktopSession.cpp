@@ -193,6 +193,20 @@ QProcess *DesktopSession::startHelper(const QString &program, const QStringList 
     return helper->waitForStarted(patienceMs) ? helper : nullptr;
 }
 
+/// Waits until the helper has told on its standard output that it is ready.
+bool DesktopSession::waitForWord(QProcess *helper) const
+{
+    if (helper && QTest::qWaitFor([helper] { return helper->canReadLine(); }, patienceMs))
+        return true;
+    if (helper) {
+        QFile complaints(m_directory.filePath(helper->program() + QStringLiteral(".stderr")));
+        complaints.open(QIODevice::ReadOnly);
+        qWarning("%s says nothing in its state %d: %s", qPrintable(helper->program()), int(helper->state()),
+                 complaints.readAll().constData());
+    }
+    return false;
+}
+
 bool DesktopSession::startXServer()
 {
     // The server picks a free display itself and tells its number on its standard output.
@@ -200,7 +214,7 @@ bool DesktopSession::startXServer()
                                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                                     QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
                                     QStringLiteral("tcp"), QStringLiteral("-noreset")});
-    if (!server || !QTest::qWaitFor([server] { return server->canReadLine(); }, patienceMs))
+    if (!waitForWord(server))
         return false;
     m_environment.insert(QStringLiteral("DISPLAY"),
                          QStringLiteral(":") + QString::fromLatin1(server->readLine().trimmed()));
@@ -218,8 +232,7 @@ bool DesktopSession::startBus()
     QProcess *bus =
         startHelper(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
                                                     QStringLiteral("--config-file=") + configuration});
-    return bus && QTest::qWaitFor([bus] { return bus->canReadLine(); }, patienceMs)
-           && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
+    return waitForWord(bus) && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
 }
 
 bool DesktopSession::startTrayer()

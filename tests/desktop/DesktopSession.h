@@ -84,6 +84,7 @@ public:
     void resumeLastHelper();
 
 private:
+    bool waitForWord(QProcess *helper) const;
     bool startXServer();
     bool startBus();
     QByteArray run(const QString &program, const QStringList &arguments) const;
