@@ -34,6 +34,6 @@ PrivateBus::PrivateBus(const QString &listen)
 
 PrivateBus::~PrivateBus()
 {
-    m_daemon.kill();
+    m_daemon.terminate(); // it removes its socket
     m_daemon.waitForFinished(patienceMs);
 }
