@@ -49,3 +49,20 @@ QString logLine(const char *tag, const char *message)
 {
     return logLine(tag, QString::fromLatin1(message));
 }
+
+QString wrongLine(const QStringList &lines, const QStringList &expected, const QStringList &linesOfOthers)
+{
+    const auto lengthOfTag = [](const QString &line) { return line.indexOf(QLatin1String("]:")); };
+    QStringList messages;
+    for (const QString &line : linesOfOthers)
+        messages.append(line.mid(lengthOfTag(line)));
+    for (int i = 0; i < qMax(lines.size(), expected.size()); ++i) {
+        const QString line = lines.value(i);
+        const QString wanted = expected.value(i);
+        const int tag = lengthOfTag(wanted);
+        const bool bMixed = tag > 0 && line.left(tag) == wanted.left(tag) && messages.contains(line.mid(tag));
+        if (line != wanted && !bMixed)
+            return QStringLiteral("line %1 is \"%2\", not \"%3\"").arg(i).arg(line, wanted);
+    }
+    return {};
+}
