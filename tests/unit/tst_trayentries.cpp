@@ -261,10 +261,11 @@ void TrayEntriesTest::startsTheServiceThatRanLastTime()
              QString());
     m_manager.reset();
     QVERIFY(client.waitForDisconnect());
-    QCOMPARE(newLines(), linesOf(end, {"Enter..."})
-                             + linesOf(open, {"Enter, bOpenService=0", "b4 call m_pWebSocketThread->quit()...",
-                                              "after call m_pWebSocketThread = nullptr...", "Leave !"})
-                             + linesOf(end, {"Leave !"}));
+    QCOMPARE(flawOfNewLines(linesOf(end, {"Enter..."})
+                            + linesOf(open, {"Enter, bOpenService=0", "b4 call m_pWebSocketThread->quit()...",
+                                             "after call m_pWebSocketThread = nullptr...", "Leave !"})
+                            + linesOf(end, {"Leave !"})),
+             QString());
 }
 
 void TrayEntriesTest::showsTheSecureServiceOfLastTime()
