@@ -250,6 +250,15 @@ bool DesktopSession::startTrayer()
                patienceMs);
 }
 
+bool DesktopSession::startWindowManager()
+{
+    const auto isThere = [this] {
+        return run(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+            .contains("window id");
+    };
+    return startHelper(QStringLiteral("openbox"), {}) && QTest::qWaitFor(isThere, patienceMs);
+}
+
 bool DesktopSession::startStatusNotifierHost()
 {
     return writeFile(home() + QStringLiteral("/.config/lxqt/panel.conf"), panelConfiguration)

@@ -42,6 +42,8 @@ public:
 
     /// An XEmbed tray in the lower left corner; returns once it owns the tray.
     bool startTrayer();
+    /// Returns once it manages windows: one that was there before would keep its place, with its frame off the screen.
+    bool startWindowManager();
     /// A StatusNotifier host in the same place; returns once it is registered on the bus.
     bool startStatusNotifierHost();
     bool hasStatusNotifierHost() const;

@@ -131,7 +131,7 @@ void PadWindowTest::init()
     m_desktop.reset(new DesktopSession);
     QVERIFY(m_desktop->isUsable());
     QVERIFY(m_desktop->startTrayer());
-    QVERIFY(m_desktop->startHelper(QStringLiteral("openbox"), {}));
+    QVERIFY(m_desktop->startWindowManager());
     m_port = freePort();
 }
 

@@ -226,7 +226,8 @@ void HostileLibraryTest::blockedPadLetsTheOthersWait()
     late.startHandshake();
     // All that was sent lies unread before the program, and nothing in the program is about to read it.
     const auto isDecided = [&] { return m_place->unreadConnections() == 4 || !order.isEmpty(); };
-    QTRY_VERIFY_WITH_TIMEOUT(isDecided() && m_place->isAtRest(), patienceMs);
+    QVERIFY2(QTest::qWaitFor(isDecided, patienceMs), qPrintable(QString::number(m_place->unreadConnections())));
+    QTRY_VERIFY_WITH_TIMEOUT(m_place->isAtRest(), patienceMs);
     QCOMPARE(order, QStringList());
     QCOMPARE(m_place->unreadConnections(), 4);
     QCOMPARE(blocker.messages().size(), 1);

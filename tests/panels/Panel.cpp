@@ -47,7 +47,7 @@ QProcessEnvironment plainEnvironment(const DesktopSession &desktop)
 bool startUkui(DesktopSession &desktop)
 {
     const auto hasWatcher = [&] { return desktop.isNameOnTheBus(QStringLiteral("org.kde.StatusNotifierWatcher")); };
-    return startShell(desktop, QStringLiteral("openbox")) && startShell(desktop, QStringLiteral("sni-daemon"))
+    return desktop.startWindowManager() && startShell(desktop, QStringLiteral("sni-daemon"))
            && QTest::qWaitFor(hasWatcher, patienceMs)
            && startShell(desktop, QStringLiteral("env XDG_CURRENT_DESKTOP=UKUI QT_QPA_PLATFORMTHEME=ukui ukui-panel"))
            && waitForHost(desktop);
@@ -65,8 +65,7 @@ QProcessEnvironment ukuiEnvironment(const DesktopSession &desktop)
 bool startXfce(DesktopSession &desktop)
 {
     const auto hasSettings = [&] { return desktop.isNameOnTheBus(QStringLiteral("org.xfce.Xfconf")); };
-    return startShell(desktop, QStringLiteral("openbox"))
-           && startShell(desktop, QStringLiteral("/usr/lib/*/xfce4/xfconf/xfconfd"))
+    return desktop.startWindowManager() && startShell(desktop, QStringLiteral("/usr/lib/*/xfce4/xfconf/xfconfd"))
            && QTest::qWaitFor(hasSettings, patienceMs)
            && startShell(desktop, QStringLiteral("xfce4-panel --disable-wm-check")) && waitForHost(desktop);
 }
@@ -82,7 +81,7 @@ bool startMateApplet(DesktopSession &desktop, const char *program, const char *f
 
 bool startMate(DesktopSession &desktop)
 {
-    return startShell(desktop, QStringLiteral("openbox"))
+    return desktop.startWindowManager()
            && startMateApplet(desktop, "notification-area-applet", "NotificationAreaAppletFactory")
            && startMateApplet(desktop, "clock-applet", "ClockAppletFactory")
            && startMateApplet(desktop, "wnck-applet", "WnckletFactory")
