@@ -4,17 +4,17 @@
 ///   opened BYTE                        what InitialDevice returns
 ///   points N                           the counts of points
 ///   fill BYTE                          what buffers are filled with, up to their size and without a NUL
-///   block FUNCTION                     the function of this name, without the model's, blocks: until somebody removes
-///                                      the file "FUNCTION-blocks", which it makes
+///   block FUNCTION                     the function of this name, without the model's, blocks: until somebody writes
+///                                      to the pipe "FUNCTION-blocks", which it makes
 
 #include "tests/faults/hostile/Answers.h"
 
-#include <chrono>
 #include <cstring>
 #include <fstream>
 #include <set>
 #include <string>
-#include <thread>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -62,11 +62,10 @@ bool is(const char *function, const char *name)
     return std::strcmp(std::strchr(function, '_') + 1, name) == 0;
 }
 
-void block(const std::string &file)
+void block(const std::string &pipe)
 {
-    std::ofstream(file).put('\n');
-    while (std::ifstream(file))
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    ::mkfifo(pipe.c_str(), 0600);
+    std::ifstream(pipe).get();
 }
 
 /// Called once for each point: no time to read a file.

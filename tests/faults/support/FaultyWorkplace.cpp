@@ -59,6 +59,12 @@ bool FaultyWorkplace::waitUntilBlocked(const QString &function) const
     return QTest::qWaitFor([this, function] { return QFile::exists(blocks(function)); }, patienceMs);
 }
 
+bool FaultyWorkplace::unblock(const QString &function) const
+{
+    QFile pipe(blocks(function));
+    return pipe.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && pipe.putChar('\n');
+}
+
 bool FaultyWorkplace::replaceLibrary(const QString &library) const
 {
     const QString fresh = file(QStringLiteral("library.new"));
@@ -121,13 +127,17 @@ QList<QByteArray> FaultyWorkplace::statusFields(const QString &file)
     return line.mid(line.lastIndexOf(')') + 2).split(' ');
 }
 
-bool FaultyWorkplace::isAtRest() const
+QStringList FaultyWorkplace::restlessThreads() const
 {
     const QDir threads(QStringLiteral("/proc/%1/task").arg(m_program->process().processId()));
     const QStringList names = threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    return !names.isEmpty() && std::all_of(names.begin(), names.end(), [&threads](const QString &name) {
-        return statusFields(threads.filePath(name + QStringLiteral("/stat"))).value(0) == "S";
-    });
+    QStringList restless = names.isEmpty() ? QStringList(QStringLiteral("no program")) : QStringList();
+    for (const QString &name : names) {
+        const QByteArray state = statusFields(threads.filePath(name + QStringLiteral("/stat"))).value(0);
+        if (state != "S")
+            restless.append(name + QLatin1Char(' ') + QString::fromLatin1(state));
+    }
+    return restless;
 }
 
 std::optional<long> FaultyWorkplace::residentKiB() const

@@ -35,7 +35,7 @@ public:
     /// Waits until the hostile library's function of this name blocks.
     bool waitUntilBlocked(const QString &function) const;
     /// Lets it go on.
-    bool unblock(const QString &function) const { return QFile::remove(blocks(function)); }
+    bool unblock(const QString &function) const;
     /// Puts a copy of this file into the place of the library, in one step.
     bool replaceLibrary(const QString &library) const;
     bool serves(const QString &command = QStringLiteral("GetSize"));
@@ -44,8 +44,9 @@ public:
     int openConnections() const;
     /// Connections, also such as the system still keeps for the program, with bytes that it has not read.
     int unreadConnections() const;
-    /// Whether none of the program's threads runs or wants to: it does nothing more until something happens.
-    bool isAtRest() const;
+    /// The program's threads that run or want to, with their state; when there is none, the program does nothing more
+    /// until something happens.
+    QStringList restlessThreads() const;
     /// None when it cannot be told.
     std::optional<long> residentKiB() const;
     /// Whether the memory has grown by less than that since residentKiB() told what it was. False when it cannot be
