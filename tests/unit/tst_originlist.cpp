@@ -247,9 +247,21 @@ void OriginListTest::keyboardAlone()
 void OriginListTest::languagesFit_data()
 {
     QTest::addColumn<int>("language");
-    QTest::newRow("traditional Chinese") << 1;
-    QTest::newRow("simplified Chinese") << 2;
-    QTest::newRow("English") << 3;
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("explanation");
+    QTest::addColumn<QStringList>("buttons");
+    QTest::newRow("traditional Chinese") << 1 << QStringLiteral("網頁存取權限")
+                                         << QStringLiteral("這些網頁使用簽名板時不再詢問：")
+                                         << QStringList{QStringLiteral("允許(&A)"), QStringLiteral("禁止(&B)"),
+                                                        QStringLiteral("刪除(&D)"), QStringLiteral("關閉(&C)")};
+    QTest::newRow("simplified Chinese") << 2 << QStringLiteral("网页访问权限")
+                                        << QStringLiteral("这些网页使用签名板时不再询问：")
+                                        << QStringList{QStringLiteral("允许(&A)"), QStringLiteral("禁止(&B)"),
+                                                       QStringLiteral("删除(&D)"), QStringLiteral("关闭(&C)")};
+    QTest::newRow("English") << 3 << QStringLiteral("Web Page Permissions")
+                             << QStringLiteral("You are not asked any more when these web pages use the signature pad:")
+                             << QStringList{QStringLiteral("&Allow"), QStringLiteral("&Block"),
+                                            QStringLiteral("&Delete"), QStringLiteral("&Close")};
 }
 
 void OriginListTest::languagesFit()
@@ -264,6 +276,12 @@ void OriginListTest::languagesFit()
     QVERIFY(QGuiApplication::primaryScreen()->availableGeometry().contains(window.frameGeometry()));
     const QTreeWidget &list = *window.findChild<QTreeWidget *>();
     QCOMPARE(list.horizontalScrollBar()->maximum(), 0);
+    QTEST(window.windowTitle(), "title");
+    QTEST(window.findChild<QLabel *>()->text(), "explanation");
+    QStringList buttons;
+    for (const QPushButton *each : window.findChildren<QPushButton *>())
+        buttons.append(each->text());
+    QTEST(buttons, "buttons");
     QSet<QChar> mnemonics;
     for (const QPushButton *each : window.findChildren<QPushButton *>()) {
         QVERIFY2(each->minimumSizeHint().width() <= each->width(), qPrintable(each->text()));

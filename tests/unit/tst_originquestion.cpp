@@ -419,9 +419,28 @@ void OriginQuestionTest::sharedOriginCannotAlwaysBeAllowed()
 void OriginQuestionTest::languagesFit_data()
 {
     QTest::addColumn<int>("language");
-    QTest::newRow("traditional Chinese") << 1;
-    QTest::newRow("simplified Chinese") << 2;
-    QTest::newRow("English") << 3;
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("traditional Chinese") << 1 << QStringLiteral("簽名板")
+                                         << QStringList{
+                                                QStringLiteral("有網頁要求使用簽名板"),
+                                                QStringLiteral("許多互不相干的網頁共用這個來源，因此只能允許這一次。"),
+                                                QStringLiteral("只允許這次(&A)"), QStringLiteral("永不允許(&V)"),
+                                                QStringLiteral("暫不允許(&N)")};
+    QTest::newRow("simplified Chinese") << 2 << QStringLiteral("签名板")
+                                        << QStringList{
+                                               QStringLiteral("有网页请求使用签名板"),
+                                               QStringLiteral("许多互不相干的网页共用这个来源，因此只能允许这一次。"),
+                                               QStringLiteral("仅允许这次(&A)"), QStringLiteral("永不允许(&V)"),
+                                               QStringLiteral("暂不允许(&N)")};
+    QTest::newRow("English")
+        << 3 << QStringLiteral("Signature Pad")
+        << QStringList{
+               QStringLiteral("A web page asks to use the signature pad"),
+               QStringLiteral(
+                   "Many pages that have nothing to do with each other share this origin, so it can be allowed for "
+                   "this time only."),
+               QStringLiteral("&Allow this time"), QStringLiteral("Ne&ver"), QStringLiteral("&Not now")};
 }
 
 void OriginQuestionTest::languagesFit()
@@ -437,6 +456,13 @@ void OriginQuestionTest::languagesFit()
                  qPrintable(label->text()));
         QVERIFY2(label->sizeHint().width() <= label->width() || label->wordWrap(), qPrintable(label->text()));
     }
+    QTEST(question.windowTitle(), "title");
+    QFETCH(QStringList, texts);
+    QStringList shown = labels(question);
+    for (const QPushButton *answer : question.findChildren<QPushButton *>())
+        shown.append(answer->text());
+    for (const QString &text : texts)
+        QVERIFY2(shown.contains(text), qPrintable(text));
     QSet<QChar> mnemonics;
     for (const QPushButton *answer : question.findChildren<QPushButton *>()) {
         QVERIFY2(answer->minimumSizeHint().width() <= answer->width(), qPrintable(answer->text()));
