@@ -8,6 +8,23 @@
 
 #include <QTest>
 
+#include <atomic>
+
+#include <malloc.h>
+
+namespace {
+
+std::atomic<int> heapTrims{0};
+
+} // namespace
+
+/// In place of the C library's.
+extern "C" int malloc_trim(std::size_t) noexcept
+{
+    ++heapTrims;
+    return 1;
+}
+
 class ClientConnectionsTest : public QObject
 {
     Q_OBJECT
@@ -15,6 +32,7 @@ class ClientConnectionsTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup();
+    void whatASentTextLeavesInTheHeapIsGivenBack();
     void frame_data();
     void frame();
     void binaryFrame_data();
@@ -48,6 +66,21 @@ void ClientConnectionsTest::cleanup()
 bool ClientConnectionsTest::open(RawClient &client) const
 {
     return client.connectTo(m_service->port()) && client.handshake() == "HTTP/1.1 101 Switching Protocols";
+}
+
+/// The first test: the timer of nothing that came before runs.
+void ClientConnectionsTest::whatASentTextLeavesInTheHeapIsGivenBack()
+{
+    RawClient client;
+    QVERIFY(open(client));
+    client.send(clientFrame(request("EnableRealtimeSigningNotification?type=1")));
+    QVERIFY(client.receives(serverFrame(R"({"API":"EnableRealtimeSigningNotification","Result":"0"})")));
+    QTRY_COMPARE_WITH_TIMEOUT(heapTrims.load(), 1, patienceMs);
+    WebSocketServiceSignPadEventCallback(1);
+    QVERIFY(client.receives(serverFrame(R"({"API":"GetDeviceConfirmOrCancelKeyStatus","Result":"1"})")));
+    QTRY_COMPARE_WITH_TIMEOUT(heapTrims.load(), 2, patienceMs);
+    client.abort();
+    QTRY_COMPARE_WITH_TIMEOUT(heapTrims.load(), 3, patienceMs);
 }
 
 void ClientConnectionsTest::frame_data()
