@@ -18,20 +18,6 @@ const int clickPatienceMs = 10000;
 
 const char watcherService[] = "org.kde.StatusNotifierWatcher";
 
-/// The session bus of the desktop, without anything that it would start by itself.
-const char busConfiguration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:path=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
-
 const char panelConfiguration[] = R"(panels=panel1
 
 [panel1]
@@ -193,20 +179,6 @@ QProcess *DesktopSession::startHelper(const QString &program, const QStringList 
     return helper->waitForStarted(patienceMs) ? helper : nullptr;
 }
 
-/// Waits until the helper has told on its standard output that it is ready.
-bool DesktopSession::waitForWord(QProcess *helper) const
-{
-    if (helper && QTest::qWaitFor([helper] { return helper->canReadLine(); }, patienceMs))
-        return true;
-    if (helper) {
-        QFile complaints(m_directory.filePath(helper->program() + QStringLiteral(".stderr")));
-        complaints.open(QIODevice::ReadOnly);
-        qWarning("%s says nothing in its state %d: %s", qPrintable(helper->program()), int(helper->state()),
-                 complaints.readAll().constData());
-    }
-    return false;
-}
-
 bool DesktopSession::startXServer()
 {
     // The server picks a free display itself and tells its number on its standard output.
@@ -214,8 +186,14 @@ bool DesktopSession::startXServer()
                                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                                     QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
                                     QStringLiteral("tcp"), QStringLiteral("-noreset")});
-    if (!waitForWord(server))
+    if (!server)
         return false;
+    if (!QTest::qWaitFor([server] { return server->canReadLine(); }, patienceMs)) {
+        QFile complaints(m_directory.filePath(QStringLiteral("Xvfb.stderr")));
+        complaints.open(QIODevice::ReadOnly);
+        qWarning("Xvfb says nothing in its state %d: %s", int(server->state()), complaints.readAll().constData());
+        return false;
+    }
     m_environment.insert(QStringLiteral("DISPLAY"),
                          QStringLiteral(":") + QString::fromLatin1(server->readLine().trimmed()));
     return true;
@@ -223,16 +201,8 @@ bool DesktopSession::startXServer()
 
 bool DesktopSession::startBus()
 {
-    const QString socket = m_directory.filePath(QStringLiteral("bus"));
-    const QString configuration = m_directory.filePath(QStringLiteral("bus.conf"));
-    m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=") + socket);
-    if (!writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8()))
-        return false;
-    // It tells its address once it takes connections; its socket is there a moment earlier.
-    QProcess *bus =
-        startHelper(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
-                                                    QStringLiteral("--config-file=") + configuration});
-    return waitForWord(bus) && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
+    m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus.address());
+    return !m_bus.address().isEmpty() && QDBusConnection::connectToBus(busAddress(), busAddress()).isConnected();
 }
 
 bool DesktopSession::startTrayer()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/unit/support/Patience.h"
+#include "tests/unit/support/PrivateBus.h"
 
 #include <QImage>
 #include <QProcess>
@@ -86,7 +87,6 @@ public:
     void resumeLastHelper();
 
 private:
-    bool waitForWord(QProcess *helper) const;
     bool startXServer();
     bool startBus();
     QByteArray run(const QString &program, const QStringList &arguments) const;
@@ -95,6 +95,7 @@ private:
 
     QTemporaryDir m_directory;
     QProcessEnvironment m_environment;
+    PrivateBus m_bus;                                 ///< outlives the helpers
     QImage m_background;                              ///< null until one is taken
     std::vector<std::unique_ptr<QProcess>> m_helpers; ///< in order of their start
     bool m_usable = false;

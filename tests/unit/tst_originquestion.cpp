@@ -2,6 +2,7 @@
 #include "service/AccessPolicy.h"
 #include "service/OriginDesk.h"
 #include "tests/unit/support/Patience.h"
+#include "tests/unit/support/ShownWindows.h"
 #include "tests/unit/support/WarningTrap.h"
 #include "tray/OriginQuestion.h"
 #include "tray/OriginQuestions.h"
@@ -86,22 +87,10 @@ QStringList labels(const OriginQuestion &question)
     return texts;
 }
 
-/// The windows that show.
-QList<OriginQuestion *> openQuestions()
-{
-    QList<OriginQuestion *> open;
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    for (QWidget *widget : widgets)
-        if (auto *question = qobject_cast<OriginQuestion *>(widget))
-            if (question->isVisible())
-                open.append(question);
-    return open;
-}
-
 /// The origin that is asked about; empty without a window, and with more than one.
 QString askedOrigin()
 {
-    const QList<OriginQuestion *> open = openQuestions();
+    const QList<OriginQuestion *> open = shownWindows<OriginQuestion>();
     return open.size() == 1 ? shownOrigin(*open.first()) : QString();
 }
 
@@ -157,7 +146,7 @@ void OriginQuestionTest::initTestCase()
 
 void OriginQuestionTest::cleanup()
 {
-    QCOMPARE(openQuestions().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
     QCOMPARE(m_warnings->taken(), QStringList());
 }
 
@@ -480,13 +469,13 @@ void OriginQuestionTest::oneWindowAfterTheOther()
     for (int i = 0; i < 10; ++i)
         origins.append(QStringLiteral("https://page%1.example.org").arg(i));
     Q_EMIT desk.asked(origins.first());
-    const QPointer<OriginQuestion> first = openQuestions().first();
+    const QPointer<OriginQuestion> first = shownWindows<OriginQuestion>().first();
     for (const QString &origin : origins.mid(1))
         Q_EMIT desk.asked(origin);
     QVERIFY(first); // a further question leaves it and its minute alone
     for (int i = 0; i < 10; ++i) {
         QCOMPARE(askedOrigin(), origins.at(i));
-        OriginQuestion &question = *openQuestions().first();
+        OriginQuestion &question = *shownWindows<OriginQuestion>().first();
         QTRY_VERIFY_WITH_TIMEOUT(isSeeing(question), patienceMs);
         click(question, *button(question, "&Allow this time"));
         QCOMPARE(answers.size(), i + 1);
@@ -505,7 +494,7 @@ void OriginQuestionTest::withdrawnQuestionVanishes()
     Q_EMIT desk.withdrawn(QStringLiteral("https://a.example"));
     QCOMPARE(askedOrigin(), QStringLiteral("https://b.example"));
     Q_EMIT desk.withdrawn(QStringLiteral("https://b.example"));
-    QCOMPARE(openQuestions().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
     QCOMPARE(answers.size(), 0);
 }
 
@@ -518,7 +507,7 @@ void OriginQuestionTest::withdrawnQuestionNeverShows()
     Q_EMIT desk.withdrawn(QStringLiteral("https://b.example"));
     QCOMPARE(askedOrigin(), QStringLiteral("https://a.example"));
     Q_EMIT desk.withdrawn(QStringLiteral("https://a.example"));
-    QCOMPARE(openQuestions().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
 }
 
 void OriginQuestionTest::lateWithdrawalIsNothing()
@@ -527,9 +516,9 @@ void OriginQuestionTest::lateWithdrawalIsNothing()
     const OriginQuestions questions(desk, m_texts, AccessPolicy(), blind);
     Q_EMIT desk.withdrawn(QStringLiteral("https://a.example"));
     Q_EMIT desk.asked(QStringLiteral("https://b.example"));
-    OriginQuestion *const window = openQuestions().first();
+    OriginQuestion *const window = shownWindows<OriginQuestion>().first();
     Q_EMIT desk.withdrawn(QStringLiteral("https://a.example"));
-    QCOMPARE(openQuestions(), QList<OriginQuestion *>{window});
+    QCOMPARE(shownWindows<OriginQuestion>(), QList<OriginQuestion *>{window});
 }
 
 void OriginQuestionTest::endOfTheServiceClosesAll()
@@ -539,7 +528,7 @@ void OriginQuestionTest::endOfTheServiceClosesAll()
     Q_EMIT desk.asked(QStringLiteral("https://a.example"));
     Q_EMIT desk.asked(QStringLiteral("https://b.example"));
     Q_EMIT desk.allWithdrawn();
-    QCOMPARE(openQuestions().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
     Q_EMIT desk.asked(QStringLiteral("https://c.example"));
     QCOMPARE(askedOrigin(), QStringLiteral("https://c.example"));
 }
@@ -563,9 +552,9 @@ void OriginQuestionTest::endOfTheAskingClosesTheWindow()
     std::unique_ptr<OriginQuestions> questions(new OriginQuestions(desk, m_texts, AccessPolicy(), blind));
     QSignalSpy answers(&desk, &OriginDesk::answered);
     Q_EMIT desk.asked(QStringLiteral("https://a.example"));
-    QCOMPARE(openQuestions().size(), 1);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 1);
     questions.reset();
-    QCOMPARE(openQuestions().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
     QCOMPARE(answers.size(), 0);
 }
 

@@ -3,6 +3,7 @@
 #include "service/OriginDesk.h"
 #include "tests/unit/support/Patience.h"
 #include "tests/unit/support/PrivateHome.h"
+#include "tests/unit/support/ShownWindows.h"
 #include "tray/OriginList.h"
 #include "tray/OriginQuestion.h"
 #include "tray/OriginWindows.h"
@@ -21,18 +22,6 @@ AccessPolicy asking()
     AccessPolicy policy;
     policy.unknownOrigins = UnknownOrigins::Ask;
     return policy;
-}
-
-template <class Window>
-QList<Window *> shown()
-{
-    QList<Window *> windows;
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        auto *const window = qobject_cast<Window *>(widget);
-        if (window && window->isVisible())
-            windows.append(window);
-    }
-    return windows;
 }
 
 } // namespace
@@ -128,8 +117,8 @@ void OriginWindowsTest::entryOpensOneList()
     m_windows->OfferList(asking(), TrayTextsOf(english));
     for (int i = 0; i < 2; ++i) {
         m_menu->actions().at(1)->trigger();
-        QCOMPARE(shown<OriginList>().size(), 1);
-        QVERIFY(QTest::qWaitForWindowActive(shown<OriginList>().first(), patienceMs));
+        QCOMPARE(shownWindows<OriginList>().size(), 1);
+        QVERIFY(QTest::qWaitForWindowActive(shownWindows<OriginList>().first(), patienceMs));
     }
 }
 
@@ -139,9 +128,9 @@ void OriginWindowsTest::questionsAreShownWhileTheServiceAsks()
     m_windows->StartAsking(asking(), TrayTextsOf(english));
     QVERIFY(m_desk->CanAsk());
     Q_EMIT m_desk->asked(QStringLiteral("https://a.example"));
-    QCOMPARE(shown<OriginQuestion>().size(), 1);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 1);
     m_windows->StopAsking();
-    QCOMPARE(shown<OriginQuestion>().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
     QVERIFY(!m_desk->CanAsk());
 }
 
@@ -150,7 +139,7 @@ void OriginWindowsTest::questionsOfAServiceThatAsksNobody()
     m_windows->StartAsking(AccessPolicy(), TrayTextsOf(english));
     QVERIFY(!m_desk->CanAsk());
     Q_EMIT m_desk->asked(QStringLiteral("https://a.example"));
-    QCOMPARE(shown<OriginQuestion>().size(), 0);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 0);
 }
 
 void OriginWindowsTest::withoutAMenu()
@@ -158,7 +147,7 @@ void OriginWindowsTest::withoutAMenu()
     OriginWindows windows(*m_desk);
     windows.StartAsking(asking(), TrayTextsOf(english));
     Q_EMIT m_desk->asked(QStringLiteral("https://a.example"));
-    QCOMPARE(shown<OriginQuestion>().size(), 1);
+    QCOMPARE(shownWindows<OriginQuestion>().size(), 1);
 }
 
 void OriginWindowsTest::menuThatIsGone()

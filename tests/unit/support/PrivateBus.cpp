@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTest>
 
+#include <csignal>
 #include <sys/stat.h>
 
 namespace {
@@ -26,6 +27,7 @@ PrivateBus::PrivateBus(const QString &listen)
         return;
     file.write(QString::fromLatin1(configuration).arg(listen.isEmpty() ? socket : listen).toUtf8());
     file.close();
+    m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
                                                    QStringLiteral("--config-file=") + file.fileName()});
     if (QTest::qWaitFor([this] { return m_daemon.canReadLine(); }, patienceMs))
@@ -34,6 +36,9 @@ PrivateBus::PrivateBus(const QString &listen)
 
 PrivateBus::~PrivateBus()
 {
-    m_daemon.terminate(); // it removes its socket
+    if (m_daemon.state() == QProcess::NotRunning)
+        return;
+    ::kill(static_cast<pid_t>(m_daemon.processId()), SIGCONT); // a test that failed may have left it standing still
+    m_daemon.terminate();                                      // it removes its socket
     m_daemon.waitForFinished(patienceMs);
 }

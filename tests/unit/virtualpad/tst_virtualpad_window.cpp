@@ -1,4 +1,5 @@
 #include "tests/unit/support/Patience.h"
+#include "tests/unit/support/ShownWindows.h"
 #include "tests/unit/virtualpad/support/LoadedPad.h"
 #include "tests/unit/virtualpad/support/StderrTrap.h"
 
@@ -17,21 +18,11 @@
 
 namespace {
 
-QList<QWidget *> shownWindows()
-{
-    QList<QWidget *> windows;
-    for (QWidget *pWidget : QApplication::topLevelWidgets()) {
-        if (pWidget->isVisible())
-            windows.append(pWidget);
-    }
-    return windows;
-}
-
 /// The pad's window, once it is there; null when it does not come.
 QWidget *padWindow()
 {
-    const auto isThere = [] { return shownWindows().size() == 1; };
-    return QTest::qWaitFor(isThere, patienceMs) ? shownWindows().first() : nullptr;
+    const auto isThere = [] { return shownWindows<QWidget>().size() == 1; };
+    return QTest::qWaitFor(isThere, patienceMs) ? shownWindows<QWidget>().first() : nullptr;
 }
 
 QWidget *surfaceOf(QWidget *pWindow)
@@ -136,7 +127,7 @@ private Q_SLOTS:
     {
         QLocale::setDefault(QLocale::c());
         qunsetenv("MVSIGNPAD_VIRTUAL_WINDOW");
-        QTRY_COMPARE_WITH_TIMEOUT(shownWindows().size(), 0, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(shownWindows<QWidget>().size(), 0, patienceMs);
     }
 
     void showsThePad()
@@ -533,7 +524,7 @@ private Q_SLOTS:
         QCOMPARE(pad.GetDeviceConfirmOrCancelKeyStatus(2), -1);
         QVERIFY(!pad.Base64Encode(2, 3));
         QTRY_VERIFY_WITH_TIMEOUT(!pWindow, patienceMs);
-        QCOMPARE(shownWindows().size(), 0);
+        QCOMPARE(shownWindows<QWidget>().size(), 0);
         QCOMPARE(lastClosed.count(), 0);
         QCOMPARE(pad.UnInitialDevice(2), -1);
         QVERIFY(pad.initialise(300, 200));
@@ -553,8 +544,8 @@ private Q_SLOTS:
         // The window has not heard of the second pad when the user closes it.
         pWindow->close();
         QVERIFY(isConnected(pad));
-        QTRY_COMPARE_WITH_TIMEOUT(shownWindows().size(), 1, patienceMs);
-        QCOMPARE(surfaceOf(shownWindows().first())->size(), QSize(300, 200));
+        QTRY_COMPARE_WITH_TIMEOUT(shownWindows<QWidget>().size(), 1, patienceMs);
+        QCOMPARE(surfaceOf(shownWindows<QWidget>().first())->size(), QSize(300, 200));
     }
 
     void anOldWindowWritesNotOnTheNewPad()
@@ -659,7 +650,7 @@ private Q_SLOTS:
         });
         if (service.wait_for(std::chrono::milliseconds(patienceMs)) != std::future_status::ready)
             qFatal("a call waits for the GUI thread");
-        QTRY_COMPARE_WITH_TIMEOUT(shownWindows().size(), 0, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(shownWindows<QWidget>().size(), 0, patienceMs);
     }
 
     void callbacksHearOfTheKey()
@@ -697,7 +688,7 @@ private Q_SLOTS:
         QVERIFY(pad.initialiseWritten(400, 300));
         QCOMPARE(trap.written(), complaint);
         settle();
-        QCOMPARE(shownWindows().size(), 0);
+        QCOMPARE(shownWindows<QWidget>().size(), 0);
         QCOMPARE(pad.GetTotalInkPointsNumber(2), 600);
     }
 
