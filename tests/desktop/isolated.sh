@@ -26,6 +26,8 @@ for tree in "$1" "$2"; do
     esac
 done
 mount --move /mnt /tmp
+# Every X server of root's lays its keyboard there for a moment, under the number of its display: the same in all tests.
+[ ! -d /var/lib/xkb ] || mount -t tmpfs tmpfs /var/lib/xkb
 cd "$PWD" || exit 1
 shift 2
 # This shell stays, as the process 1 that collects what the test leaves behind: no exec.

@@ -1,5 +1,6 @@
 #!/bin/sh
-# isolated.sh hands on the status of what it runs, and runs nothing where it cannot isolate.
+# isolated.sh hands on the status of what it runs, keeps what it writes to the places that all programs share, and runs
+# nothing where it cannot isolate.
 #
 # usage: test_isolated.sh WORK_DIR
 set -eu
@@ -17,6 +18,12 @@ fail() {
 status=0
 "$isolated" "$work" "$work" sh -c 'exit 7' || status=$?
 [ "$status" = 7 ] || fail "status $status in place of 7"
+
+for shared in /tmp /var/lib/xkb; do
+    [ -d "$shared" ] || continue
+    "$isolated" "$work" "$work" touch "$shared/of-test-$$"
+    [ ! -e "$shared/of-test-$$" ] || fail "what a test writes to $shared is seen by others"
+done
 
 status=0
 message=$(unshare --user --map-root-user sh -euc '

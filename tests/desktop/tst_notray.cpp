@@ -53,7 +53,9 @@ void NoTrayTest::endsAfterThirtySeconds()
     QVERIFY(program.start() && diagnostic.start());
     // A busy machine starts slowly; questions that are not counted would take 85 seconds.
     for (TrayProgram *waiting : {&program, &diagnostic}) {
-        QVERIFY(waiting->waitForEnd());
+        const bool ended = waiting->waitForEnd();
+        const QStringList lastSaid = loggedLines(mainLog()) + loggedLines(threadLog());
+        QVERIFY2(ended, qPrintable(lastSaid.join(QLatin1Char('\n'))));
         const qint64 seconds = timer.elapsed() / 1000;
         QVERIFY2(seconds >= 29 && seconds <= 60, qPrintable(QString::number(seconds)));
         QCOMPARE(waiting->exitStatus(), 0);
