@@ -4,6 +4,7 @@
 #include "tests/unit/support/FreePort.h"
 #include "tests/unit/support/LogFiles.h"
 #include "tests/unit/support/SignClient.h"
+#include "tests/unit/support/StartLines.h"
 
 #include <QRegularExpression>
 #include <QSysInfo>
@@ -75,75 +76,57 @@ void DiagnosticLogTest::mainThreadLines()
     runOnce();
     if (QTest::currentTestFailed())
         return;
-    const char guard[] = "DetectSigngleInstance::IsProcessRunning()";
     const char start[] = "SysTrayMenuMgr::StartCreateSystemTrayIcon()";
     const char tray[] = "SysTrayMenuMgr::CreateSystemTray()";
     const char open[] = "SysTrayMenuMgr::OpenWebSocketService()";
     const char launch[] = "SysTrayMenuMgr::AutoLaunchService()";
     const char service[] = "SysTrayMenuMgr::StartWebSocketService()";
     const char write[] = "SysTrayMenuMgr::WriteDataToINIFIle()";
-    const QString product = QSysInfo::productType();
-    const QStringList expected{
-        logLine("main()", "Enter, argc=1"),
-        logLine("DetectSigngleInstance::DetectSigngleInstance()", "Enter..."),
-        logLine("DetectSigngleInstance::DetectSigngleInstance()", "Leave !"),
-        logLine("DetectSigngleInstance::IsSingleInstance()", "Enter..."),
-        logLine(guard, "Enter..."),
-        logLine(guard, "stdprocessName=mvsignpadsdk_wssvr"),
-        logLine(guard, "strOutputParts.size=2"),
-        logLine(guard, "stdstrOutput[0]=PID"),
-        logLine(guard, "stdstrOutput[1]="),
-        logLine(guard, "Leave with bRet=0"),
-        logLine("DetectSigngleInstance::IsSingleInstance()", "Leave with bRet=1"),
-        logLine("main()", "1st instance is running, keep going..."),
-        logLine("main()", "First instance coming, keep going..."),
-        logLine("SysTrayMenuMgr::SysTrayMenuMgr()", QStringLiteral("Enter, OSProductType=") + product),
-        logLine("SysTrayMenuMgr::SysTrayMenuMgr()", "m_nOSProductID=0"),
-        logLine("SysTrayMenuMgr::SysTrayMenuMgr()", "Leave !"),
-        logLine("SysTrayMenuMgr::Initialize()", "Enter..."),
-        logLine("SysTrayMenuMgr::Initialize()", "Leave !"),
-        logLine("main()", "after call SysTrayMenuMgr.Initialize()..."),
-        logLine(start, "Enter, bSysTrayAvailable=1"),
-        logLine(start, "b4 call CreateSystemTray()..."),
-        logLine(tray, "Enter..."),
-        logLine(tray, "System Tray Available..."),
-        logLine("SysTrayMenuMgr::LoadDataFromINIFIle()",
-                QStringLiteral("Enter, OSKernelType=linux, OSProductType=") + product),
-        logLine("SysTrayMenuMgr::LoadDataFromINIFIle()", "Leave !"),
-        logLine(tray, "after call LoadDataFromINIFIle()..."),
-        logLine(open, "Enter, bOpenService=1"),
-        logLine(open, "after call m_pWebSocketThread->start()..."),
-        logLine(open, "Leave !"),
-        logLine(tray, "after call pSysTrayIcon->show()..."),
-        logLine(tray, "Leave !"),
-        logLine(start, "Leave !"),
-        logLine(launch, "Enter..."),
-        logLine(launch, "INIDATA.bAutoLaunch = TRUE..."),
-        logLine(write, "Enter..."),
-        logLine(write, "Leave !"),
-        logLine(launch, "Leave !"),
-        logLine(launch, "Enter..."),
-        logLine(launch, "INIDATA.bAutoLaunch = false !"),
-        logLine(write, "Enter..."),
-        logLine(write, "Leave !"),
-        logLine(launch, "Leave !"),
-        logLine(service, "Enter..."),
-        logLine(open, "Enter, bOpenService=0"),
-        logLine(open, "b4 call m_pWebSocketThread->quit()..."),
-        logLine(open, "after call m_pWebSocketThread = nullptr..."),
-        logLine(open, "Leave !"),
-        logLine(write, "Enter..."),
-        logLine(write, "Leave !"),
-        logLine(service, "Leave !"),
-        logLine("SysTrayMenuMgr::ExitWebSocketService()", "Enter..."),
-        logLine(write, "Enter..."),
-        logLine(write, "Leave !"),
-        logLine(open, "Enter, bOpenService=0"),
-        logLine(open, "Leave !"),
-        logLine("SysTrayMenuMgr::ExitWebSocketService()", "Leave !"),
-        logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Enter..."),
-        logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Leave !"),
-        logLine("main()", "Leave with nRet=0")};
+    const QStringList expected =
+        linesOfFirstCopy(1, QStringLiteral("mvsignpadsdk_wssvr"))
+        + QStringList{logLine("SysTrayMenuMgr::Initialize()", "Leave !"),
+                      logLine("main()", "after call SysTrayMenuMgr.Initialize()..."),
+                      logLine(start, "Enter, bSysTrayAvailable=1"),
+                      logLine(start, "b4 call CreateSystemTray()..."),
+                      logLine(tray, "Enter..."),
+                      logLine(tray, "System Tray Available..."),
+                      logLine("SysTrayMenuMgr::LoadDataFromINIFIle()",
+                              QStringLiteral("Enter, OSKernelType=linux, OSProductType=") + QSysInfo::productType()),
+                      logLine("SysTrayMenuMgr::LoadDataFromINIFIle()", "Leave !"),
+                      logLine(tray, "after call LoadDataFromINIFIle()..."),
+                      logLine(open, "Enter, bOpenService=1"),
+                      logLine(open, "after call m_pWebSocketThread->start()..."),
+                      logLine(open, "Leave !"),
+                      logLine(tray, "after call pSysTrayIcon->show()..."),
+                      logLine(tray, "Leave !"),
+                      logLine(start, "Leave !"),
+                      logLine(launch, "Enter..."),
+                      logLine(launch, "INIDATA.bAutoLaunch = TRUE..."),
+                      logLine(write, "Enter..."),
+                      logLine(write, "Leave !"),
+                      logLine(launch, "Leave !"),
+                      logLine(launch, "Enter..."),
+                      logLine(launch, "INIDATA.bAutoLaunch = false !"),
+                      logLine(write, "Enter..."),
+                      logLine(write, "Leave !"),
+                      logLine(launch, "Leave !"),
+                      logLine(service, "Enter..."),
+                      logLine(open, "Enter, bOpenService=0"),
+                      logLine(open, "b4 call m_pWebSocketThread->quit()..."),
+                      logLine(open, "after call m_pWebSocketThread = nullptr..."),
+                      logLine(open, "Leave !"),
+                      logLine(write, "Enter..."),
+                      logLine(write, "Leave !"),
+                      logLine(service, "Leave !"),
+                      logLine("SysTrayMenuMgr::ExitWebSocketService()", "Enter..."),
+                      logLine(write, "Enter..."),
+                      logLine(write, "Leave !"),
+                      logLine(open, "Enter, bOpenService=0"),
+                      logLine(open, "Leave !"),
+                      logLine("SysTrayMenuMgr::ExitWebSocketService()", "Leave !"),
+                      logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Enter..."),
+                      logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Leave !"),
+                      logLine("main()", "Leave with nRet=0")};
     QCOMPARE(wrongLine(maskedLines(mainLog()), expected, maskedLines(threadLog())), QString());
 }
 
@@ -209,22 +192,11 @@ void DiagnosticLogTest::secondCopy()
     QVERIFY(second.start());
     QVERIFY(second.waitForEnd());
     QCOMPARE(second.exitStatus(), 1);
-    const char guard[] = "DetectSigngleInstance::IsProcessRunning()";
     QStringList lines = maskedLines(mainLog()).mid(before);
     // The process identifiers of the two copies, in either order.
     lines.replaceInStrings(QRegularExpression(QStringLiteral("stdstrOutput\\[1\\]=[0-9]+")),
                            QStringLiteral("stdstrOutput[1]=PID"));
-    QCOMPARE(lines,
-             (QStringList{logLine("main()", "Enter, argc=1"),
-                          logLine("DetectSigngleInstance::DetectSigngleInstance()", "Enter..."),
-                          logLine("DetectSigngleInstance::DetectSigngleInstance()", "Leave !"),
-                          logLine("DetectSigngleInstance::IsSingleInstance()", "Enter..."), logLine(guard, "Enter..."),
-                          logLine(guard, "stdprocessName=mvsignpadsdk_wssvr"), logLine(guard, "strOutputParts.size=3"),
-                          logLine(guard, "stdstrOutput[0]=PID"), logLine(guard, "stdstrOutput[1]=PID"),
-                          logLine(guard, "stdstrOutput[2]="), logLine(guard, "Leave with bRet=1"),
-                          logLine("DetectSigngleInstance::IsSingleInstance()", "Leave with bRet=0"),
-                          logLine("main()", "2nd instance is running, exit NOW !"),
-                          logLine("main()", "Leave with nRet=1")}));
+    QCOMPARE(lines, linesOfSecondCopy(1, QStringLiteral("mvsignpadsdk_wssvr"), {QStringLiteral("PID")}));
 }
 
 void DiagnosticLogTest::ticksNeverDecrease()

@@ -2,12 +2,12 @@
 #include "tests/desktop/DesktopSession.h"
 #include "tests/desktop/TrayProgram.h"
 #include "tests/unit/support/LogFiles.h"
+#include "tests/unit/support/StartLines.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
-#include <QSysInfo>
 #include <QTest>
 
 namespace {
@@ -77,34 +77,16 @@ void NoTrayTest::endsAfterThirtySeconds()
 
 void NoTrayTest::compareLog()
 {
-    const char guard[] = "DetectSigngleInstance::IsProcessRunning()";
-    const char manager[] = "SysTrayMenuMgr::SysTrayMenuMgr()";
     const char start[] = "SysTrayMenuMgr::StartCreateSystemTrayIcon()";
-    const QStringList ofMain{logLine("main()", "Enter, argc=1"),
-                             logLine("DetectSigngleInstance::DetectSigngleInstance()", "Enter..."),
-                             logLine("DetectSigngleInstance::DetectSigngleInstance()", "Leave !"),
-                             logLine("DetectSigngleInstance::IsSingleInstance()", "Enter..."),
-                             logLine(guard, "Enter..."),
-                             logLine(guard, "stdprocessName=diagnostic-copy"),
-                             logLine(guard, "strOutputParts.size=2"),
-                             logLine(guard, "stdstrOutput[0]=PID"),
-                             logLine(guard, "stdstrOutput[1]="),
-                             logLine(guard, "Leave with bRet=0"),
-                             logLine("DetectSigngleInstance::IsSingleInstance()", "Leave with bRet=1"),
-                             logLine("main()", "1st instance is running, keep going..."),
-                             logLine("main()", "First instance coming, keep going..."),
-                             logLine(manager, QStringLiteral("Enter, OSProductType=") + QSysInfo::productType()),
-                             logLine(manager, "m_nOSProductID=0"),
-                             logLine(manager, "Leave !"),
-                             logLine("SysTrayMenuMgr::Initialize()", "Enter..."),
-                             logLine("SysTrayMenuMgr::Initialize()", "Leave !"),
-                             logLine("main()", "after call SysTrayMenuMgr.Initialize()..."),
-                             logLine(start, "Enter, bSysTrayAvailable=0"),
-                             logLine(start, "b4 call closed()..."),
-                             logLine(start, "Leave !"),
-                             logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Enter..."),
-                             logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Leave !"),
-                             logLine("main()", "Leave with nRet=0")};
+    const QStringList ofMain = linesOfFirstCopy(1, QStringLiteral("diagnostic-copy"))
+                               + QStringList{logLine("SysTrayMenuMgr::Initialize()", "Leave !"),
+                                             logLine("main()", "after call SysTrayMenuMgr.Initialize()..."),
+                                             logLine(start, "Enter, bSysTrayAvailable=0"),
+                                             logLine(start, "b4 call closed()..."),
+                                             logLine(start, "Leave !"),
+                                             logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Enter..."),
+                                             logLine("SysTrayMenuMgr::~SysTrayMenuMgr()", "Leave !"),
+                                             logLine("main()", "Leave with nRet=0")};
     const QStringList ofThread{logLine("CheckSysTrayThread::CheckSysTrayThread()", "Enter..."),
                                logLine("CheckSysTrayThread::CheckSysTrayThread()", "Leave !"),
                                logLine("CheckSysTrayThread::run()", "Enter..."),
