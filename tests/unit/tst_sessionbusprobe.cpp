@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <memory>
 #include <unistd.h>
 
 class SessionBusProbeTest : public QObject
@@ -83,15 +84,17 @@ void SessionBusProbeTest::silentBus()
     qputenv("XDG_RUNTIME_DIR", m_folder.path().toUtf8());
     QElapsedTimer timer;
     timer.start();
-    SessionBusProbe probe;
-    QSignalSpy spy(&probe, &SessionBusProbe::answered);
-    QVERIFY(probe.Start());
+    std::unique_ptr<SessionBusProbe> probe(new SessionBusProbe);
+    QSignalSpy spy(probe.get(), &SessionBusProbe::answered);
+    QVERIFY(probe->Start());
     QVERIFY(timer.elapsed() < 5000);
     QVERIFY(server.waitForNewConnection(patienceMs));
     QLocalSocket *const client = server.nextPendingConnection();
     QTRY_VERIFY_WITH_TIMEOUT(client->bytesAvailable() > 0, patienceMs);
     QCOMPARE(client->readAll(),
              QByteArray("\0AUTH EXTERNAL ", 15) + QByteArray::number(geteuid()).toHex() + QByteArray("\r\n"));
+    probe.reset();
+    QTRY_COMPARE_WITH_TIMEOUT(client->state(), QLocalSocket::UnconnectedState, patienceMs); // the probe has hung up
     QCOMPARE(spy.size(), 0);
 }
 
