@@ -6,7 +6,7 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QtTest>
+#include <QTest>
 
 class tst_ApiDocument : public QObject
 {

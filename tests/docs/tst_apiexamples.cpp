@@ -13,7 +13,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

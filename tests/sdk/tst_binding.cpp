@@ -7,6 +7,7 @@
 #include "tests/unit/support/Patience.h"
 
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace {

@@ -13,6 +13,7 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include <QLibrary>
 #include <QProcess>
+#include <QRegularExpression>
 
 using Problems = std::vector<std::string>;
 

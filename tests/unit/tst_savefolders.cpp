@@ -9,7 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <QObject>
 #include <QString>
-#include <QtTest>
+#include <QTest>
 
 inline recording::Recorder &recorder()
 {
