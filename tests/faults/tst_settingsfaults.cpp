@@ -37,6 +37,9 @@ private Q_SLOTS:
     void fullDiskForPicturesIsReported();
     void killedProgramLeavesAWholeFile_data();
     void killedProgramLeavesAWholeFile();
+    void everyNameSurvivesARestart_data();
+    void everyNameSurvivesARestart();
+    void organisationsFileDecidesNothing();
 
 private:
     QString folder() const { return m_place->desktop().home() + QStringLiteral("/.config/mvsignpadsdk"); }
@@ -293,6 +296,59 @@ void SettingsFaultsTest::killedProgramLeavesAWholeFile()
         lastSeen = seen;
         QCOMPARE(m_place->desktop().settingsLines().size(), 4);
     }
+}
+
+void SettingsFaultsTest::everyNameSurvivesARestart_data()
+{
+    QTest::addColumn<QString>("name"); // each looks to a reader of such files like the beginning of a stored object
+    QTest::newRow("in a list") << QStringLiteral("a,@Variant(b");
+    QTest::newRow("behind a blank") << QStringLiteral(" @Variant(b");
+    QTest::newRow("date with a percent sign") << QStringLiteral("a, @DateTime(100%");
+    QTest::newRow("behind nothing") << QStringLiteral(",@Variant(%");
+    QTest::newRow("with the word Access") << QStringLiteral("a,@Variant(Access)");
+}
+
+void SettingsFaultsTest::everyNameSurvivesARestart()
+{
+    QFETCH(QString, name);
+    const auto settings = [](const QString &penWidth, const QString &signer) {
+        return replyText("GetWPSSettings", QStringLiteral(R"({\"CurrentPenWidth\":\"%1\",\"EnableAutoFit\":\"0\",)"
+                                                          R"(\"EnableDateTime\":\"1\",\"Name\":\"%2\"})")
+                                               .arg(penWidth, signer));
+    };
+    const QString done = replyText("UpdateWPSSettings", QStringLiteral("0"));
+    QVERIFY(m_place->writeServingSettings());
+    QVERIFY(m_place->startServing());
+    {
+        SignClient client;
+        QVERIFY(client.connectTo(m_place->port()));
+        QCOMPARE(client.command(QStringLiteral("UpdateWPSSettings?id=1&dt=1&af=0&pw=9&name=") + name), done);
+        QCOMPARE(client.command(wpsSettings(4)), done);
+    }
+    QVERIFY(m_place->exitsCleanly());
+
+    QVERIFY(m_place->startServing());
+    SignClient client;
+    QVERIFY(client.connectTo(m_place->port()));
+    QCOMPARE(client.command(QStringLiteral("GetWPSSettings?id=1")), settings(QStringLiteral("9"), name));
+    QCOMPARE(client.command(QStringLiteral("GetWPSSettings?id=2")), settings(QStringLiteral("4"), QStringLiteral("4")));
+    // Nor does such a file stand in the way of what comes later.
+    QCOMPARE(client.command(wpsSettings(5)), done);
+    QVERIFY(read(wpsFile()).contains("PenWidth_ET=5\n"));
+    QVERIFY(m_place->exitsCleanly());
+}
+
+/// A file of the whole organisation, which Qt reads beneath the program's own.
+void SettingsFaultsTest::organisationsFileDecidesNothing()
+{
+    QVERIFY(m_place->writeServingSettings());
+    QVERIFY(write(m_place->desktop().home() + QStringLiteral("/.config/mvsignpadsdk.conf"),
+                  "[Settings]\nX=@DateTime(\\0\\0\\0\\x10\\0\\0\\0\\0)\nStartWebService=false\n"));
+    QVERIFY(m_place->startServing());
+    QVERIFY(m_place->exitsCleanly());
+    QVERIFY(m_place->desktop().settingsLines().contains(QLatin1String("StartWebService=true")));
+    QVERIFY(m_place->desktop().settingsLines().contains(QLatin1String("UILangID=3")));
+    QVERIFY(m_place->desktop().settingsLines().contains(QStringLiteral("WebSocketPort=%1").arg(m_place->port())));
 }
 
 QTEST_GUILESS_MAIN(SettingsFaultsTest)
